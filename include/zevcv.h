@@ -1,0 +1,161 @@
+/*
+ * zevcv: computer-vision primitives on images in the caller's memory.
+ *
+ * Every function takes pointers, byte steps and a region size, and answers
+ * with a ZevStatus: 0 on success, negative on error (nothing written),
+ * positive for a warning (the work was done; the result carries a remark).
+ *
+ * This header is valid C89/C99 and C++.
+ */
+#ifndef ZEVCV_H
+#define ZEVCV_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(_WIN32)
+#define ZEVAPI
+#else
+#define ZEVAPI __attribute__((visibility("default")))
+#endif
+
+/* ---------------------------------------------------------------- types */
+
+typedef uint8_t  Zev8u;
+typedef int8_t   Zev8s;
+typedef uint16_t Zev16u;
+typedef int16_t  Zev16s;
+typedef int32_t  Zev32s;
+typedef float    Zev32f;
+typedef double   Zev64f;
+
+typedef struct ZeviSize { int32_t width; int32_t height; } ZeviSize;
+typedef struct ZeviPoint { int32_t x; int32_t y; } ZeviPoint;
+typedef struct ZeviRect { int32_t x; int32_t y; int32_t width; int32_t height; } ZeviRect;
+typedef struct ZeviPoint32f { Zev32f x; Zev32f y; } ZeviPoint32f;
+
+/* Line record of the Hough functions. */
+typedef struct ZeviPolar { Zev32f rho; Zev32f theta; } ZeviPolar;
+
+/* Result record of the flood fills. */
+typedef struct ZeviFloodRegion {
+    Zev64f area;
+    Zev64f value[3];
+    ZeviRect rect;
+} ZeviFloodRegion;
+
+typedef int32_t ZevStatus;
+
+typedef struct ZevLibraryVersion {
+    int32_t major;
+    int32_t minor;
+    int32_t patch;
+    int32_t revision;
+    char targetTag[4];
+    const char* name;
+    const char* versionText;
+    const char* buildDate;
+} ZevLibraryVersion;
+
+/* ----------------------------------------------------------- status codes */
+
+enum {
+    zevStsNoError = 0,
+    zevStsZeroDenominator = 6,
+    zevStsBufferSizeWarning = 12,
+    zevStsLinesLimitWarning = 33,
+    zevStsAsymmetricKernel = 38,
+    zevStsUnspecified = -2,
+    zevStsBadArgument = -5,
+    zevStsBadSize = -6,
+    zevStsBadRange = -7,
+    zevStsNullPointer = -8,
+    zevStsNoMemory = -9,
+    zevStsOutOfRange = -11,
+    zevStsBadDataType = -12,
+    zevStsBadStep = -14,
+    zevStsBadMaskSize = -33,
+    zevStsBadAnchor = -34,
+    zevStsBadCoi = -52,
+    zevStsBadChannels = -53,
+    zevStsBadMetric = -56,
+    zevStsStepNotMultiple = -108,
+    zevStsUnsupportedCompare = -9999
+};
+
+/* ------------------------------------------------------ border argument */
+
+/* Low nibble: how pixels outside the image are made. */
+enum {
+    zevBorderConst = 0,
+    zevBorderReplicate = 1,
+    zevBorderWrap = 2,
+    zevBorderMirror = 3,
+    zevBorderMirrorR = 4,
+    zevBorderInMem = 6
+};
+
+/* Flags: the rows or columns beyond that edge are real memory, read as is. */
+enum {
+    zevBorderInMemTop = 0x10,
+    zevBorderInMemBottom = 0x20,
+    zevBorderInMemLeft = 0x40,
+    zevBorderInMemRight = 0x80
+};
+
+/* ---------------------------------------------------- other small codes */
+
+/* Mask size code: a square mask of side n has the code n * 11. */
+enum {
+    zevMskSize3x3 = 33,
+    zevMskSize5x5 = 55
+};
+
+/* Norm kinds. */
+enum {
+    zevNormInf = 0,
+    zevNormL1 = 1,
+    zevNormL2 = 2
+};
+
+/* Data-type codes of states and size queries. */
+enum {
+    zevDataType8u = 1,
+    zevDataType16u = 5,
+    zevDataType32f = 13
+};
+
+/* ============================================================ functions */
+
+/* ---- library */
+
+/* The constant version record of this build; never null. */
+ZEVAPI const ZevLibraryVersion* zevcvGetLibVersion(void);
+
+/* ---- absolute difference: dst = |src1 - src2|, dst = |src - value| */
+
+ZEVAPI ZevStatus zeviAbsDiff_8u_C1R(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                    Zev8u* dst, int dstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAbsDiff_8u_C3R(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                    Zev8u* dst, int dstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAbsDiff_16u_C1R(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                     Zev16u* dst, int dstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAbsDiff_32f_C1R(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                     Zev32f* dst, int dstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAbsDiffC_8u_C1R(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep,
+                                     ZeviSize roiSize, int value);
+ZEVAPI ZevStatus zeviAbsDiffC_16u_C1R(const Zev16u* src, int srcStep, Zev16u* dst, int dstStep,
+                                      ZeviSize roiSize, int value);
+ZEVAPI ZevStatus zeviAbsDiffC_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+                                      ZeviSize roiSize, Zev32f value);
+
+/* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZEVCV_H */
