@@ -175,8 +175,8 @@ template <NormKind K>
 struct Acc<Zev32f, K> {
     static constexpr bool kSquare = K == NormKind::L2;
     __m128 acc = _mm_setzero_ps();
+    __m128d rows = _mm_setzero_pd();  // the pair of doubles
     alignas(16) float l[4];
-    double d0 = 0.0, d1 = 0.0;
     void add(__m128 m) { acc = _mm_add_ps(acc, kSquare ? _mm_mul_ps(m, m) : m); }
     void beginTail() { _mm_store_ps(l, acc); }
     void addScalar(float m, int lane) {
@@ -184,13 +184,15 @@ struct Acc<Zev32f, K> {
         l[lane] = l[lane] + v;
     }
     void endRow() {
-        float s02 = l[0] + l[2];
-        float s13 = l[1] + l[3];
-        d0 += static_cast<double>(s02);
-        d1 += static_cast<double>(s13);
+        __m128 v = _mm_load_ps(l);
+        __m128 folded = _mm_add_ps(v, _mm_movehl_ps(v, v));  // lanes 0 + 2, 1 + 3
+        rows = _mm_add_pd(rows, _mm_cvtps_pd(folded));
         acc = _mm_setzero_ps();
     }
-    double result() const { return static_cast<double>(static_cast<float>(d0 + d1)); }
+    double result() const {
+        __m128d total = _mm_add_sd(rows, _mm_unpackhi_pd(rows, rows));
+        return _mm_cvtss_f32(_mm_cvtsd_ss(_mm_setzero_ps(), total));
+    }
 };
 
 // Lane of a float row's tail element: after the whole groups of four, a pair of
