@@ -2,6 +2,7 @@
 #include "test_norm_members.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <cstdlib>
 
@@ -302,7 +303,7 @@ void Scene::fillMask(Zev8u v) {
         for (int x = 0; x < w_; ++x) setMask(x, y, v);
 }
 
-void Scene::randomize(zt::Rng& rng, int selectPercent) {
+void Scene::randomize(zt::Rng& rng, int selectPercent, bool spread) {
     for (int i = 0; i < 2; ++i)
         for (int y = 0; y < h_; ++y)
             for (int x = 0; x < w_; ++x)
@@ -311,7 +312,10 @@ void Scene::randomize(zt::Rng& rng, int selectPercent) {
                         case Ty::U8: set(i, x, y, c, rng.uniform(0, 255)); break;
                         case Ty::S8: set(i, x, y, c, rng.uniform(-128, 127)); break;
                         case Ty::U16: set(i, x, y, c, rng.uniform(0, 65535)); break;
-                        case Ty::F32: set(i, x, y, c, rng.uniformf(-1000.0f, 1000.0f)); break;
+                        case Ty::F32:
+                            set(i, x, y, c,
+                                std::ldexp(rng.uniformf(-1000.0f, 1000.0f), spread ? (y * 7) % 60 - 30 : 0));
+                            break;
                     }
                 }
     for (int y = 0; y < h_; ++y)

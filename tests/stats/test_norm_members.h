@@ -86,8 +86,10 @@ public:
     // second source and the mask get other offsets, so origins differ).
     Scene(const Member& m, int width, int height, int offset = 0);
     // Random elements over the type's whole range (floats in +-1000); pixels are
-    // selected with the given chance, by mask bytes of any nonzero value.
-    void randomize(zt::Rng& rng, int selectPercent = 75);
+    // selected with the given chance, by mask bytes of any nonzero value. With
+    // spread, float rows are scaled by powers of two far apart, so that sums of
+    // band results depend on their order.
+    void randomize(zt::Rng& rng, int selectPercent = 75, bool spread = false);
     // Element of channel c at (x, y) of source 0 or 1; value converted to the type.
     void set(int image, int x, int y, int c, double value);
     void setMask(int x, int y, Zev8u v);
