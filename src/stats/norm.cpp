@@ -9,6 +9,7 @@
 #include "frame/bands.h"
 #include "frame/check.h"
 #include "frame/core.h"
+#include "frame/kernels/simd.h"
 #include "stats/kernels/norm.h"
 #include "zev_impl.h"
 
@@ -83,8 +84,16 @@ NormPart combine(const NormPart* slots, int n) {
 }
 
 template <class T, NormForm F, NormKind K, int Ch>
+NormPart kernel(const NormSrc<T>& s, int rows, bool avx2) {
+    if constexpr (kNormAvx2<T, Ch>)
+        if (avx2) return ownNormBand_avx2<T, F, K, Ch>(s, rows);
+    return ownNormBand_V8<T, F, K, Ch>(s, rows);
+}
+
+template <class T, NormForm F, NormKind K, int Ch>
 NormPart accumulate(Par rule, const NormSrc<T>& s, ZeviSize roi) {
-    if (!goParallel(rule, roi)) return ownNormBand_V8<T, F, K, Ch>(s, roi.height);
+    const bool avx2 = kNormAvx2<T, Ch> && simd::hasAvx2();
+    if (!goParallel(rule, roi)) return kernel<T, F, K, Ch>(s, roi.height, avx2);
     NormPart total{0.0, 0.0};
     forEachBandReduce<NormPart>(
         ownGetNumThreads(), roi.height, NormPart{0.0, 0.0},
@@ -93,7 +102,7 @@ NormPart accumulate(Par rule, const NormSrc<T>& s, ZeviSize roi) {
             bs.a = b.rowPtr(s.a, s.aStep);
             if (s.b) bs.b = b.rowPtr(s.b, s.bStep);
             bs.mask = b.rowPtr(s.mask, s.maskStep);
-            slot = ownNormBand_V8<T, F, K, Ch>(bs, b.rows);
+            slot = kernel<T, F, K, Ch>(bs, b.rows, avx2);
         },
         [&](const NormPart* slots, int n) { total = combine<T, K>(slots, n); });
     return total;

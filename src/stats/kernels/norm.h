@@ -2,6 +2,8 @@
 // type, form (one image, difference, relative), norm kind and layout.
 #pragma once
 
+#include <cstddef>
+
 #include "zevcv.h"
 
 namespace v8 {
@@ -33,5 +35,13 @@ struct NormPart {
 
 template <class T, NormForm F, NormKind K, int Ch>
 NormPart ownNormBand_V8(const NormSrc<T>& s, int rows);
+
+// The same on 32-byte registers, for one-channel integer images only; reached
+// after a run-time check for AVX2.
+template <class T, NormForm F, NormKind K, int Ch>
+NormPart ownNormBand_avx2(const NormSrc<T>& s, int rows);
+
+template <class T, int Ch>
+constexpr bool kNormAvx2 = Ch == 1 && sizeof(T) <= 2;
 
 }  // namespace v8

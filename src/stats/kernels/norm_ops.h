@@ -2,6 +2,8 @@
 // element or of a difference (as an unsigned or sign-cleared value of the same
 // width, so that every kind accumulates magnitudes only), the mask widened to
 // element lanes, and the gathering of one channel out of three interleaved ones.
+// Integer operations exist for 16-byte registers and, in files built for AVX2,
+// for 32-byte ones; floats use 16-byte registers only.
 #pragma once
 
 #include <immintrin.h>
@@ -15,7 +17,6 @@
 
 namespace v8::normops {
 
-inline __m128i load16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 inline __m128i load4(const void* p) {
     std::int32_t v;
@@ -23,137 +24,197 @@ inline __m128i load4(const void* p) {
     return _mm_cvtsi32_si128(v);
 }
 
-template <class T>
+// ---- integer registers, by overload
+template <class V> V loadu(const void* p);
+template <> inline __m128i loadu<__m128i>(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+template <class V> V zero();
+template <> inline __m128i zero<__m128i>() { return _mm_setzero_si128(); }
+template <class V> V bytes(int v);
+template <> inline __m128i bytes<__m128i>(int v) { return _mm_set1_epi8(static_cast<char>(v)); }
+inline __m128i vor(__m128i a, __m128i b) { return _mm_or_si128(a, b); }
+inline __m128i vxor(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
+inline __m128i vandnot(__m128i a, __m128i b) { return _mm_andnot_si128(a, b); }
+inline __m128i subsU8(__m128i a, __m128i b) { return _mm_subs_epu8(a, b); }
+inline __m128i subsU16(__m128i a, __m128i b) { return _mm_subs_epu16(a, b); }
+inline __m128i absI8(__m128i a) { return _mm_abs_epi8(a); }
+inline __m128i eq8(__m128i a, __m128i b) { return _mm_cmpeq_epi8(a, b); }
+inline __m128i maxU8(__m128i a, __m128i b) { return _mm_max_epu8(a, b); }
+inline __m128i add16(__m128i a, __m128i b) { return _mm_add_epi16(a, b); }
+inline __m128i add32(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
+inline __m128i add64(__m128i a, __m128i b) { return _mm_add_epi64(a, b); }
+inline __m128i sadZero(__m128i a) { return _mm_sad_epu8(a, _mm_setzero_si128()); }
+inline __m128i madd16(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
+inline __m128i mullo16(__m128i a, __m128i b) { return _mm_mullo_epi16(a, b); }
+inline __m128i mulhiU16(__m128i a, __m128i b) { return _mm_mulhi_epu16(a, b); }
+inline __m128i lo8(__m128i a, __m128i b) { return _mm_unpacklo_epi8(a, b); }
+inline __m128i hi8(__m128i a, __m128i b) { return _mm_unpackhi_epi8(a, b); }
+inline __m128i lo16(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
+inline __m128i hi16(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
+inline __m128i lo32(__m128i a, __m128i b) { return _mm_unpacklo_epi32(a, b); }
+inline __m128i hi32(__m128i a, __m128i b) { return _mm_unpackhi_epi32(a, b); }
+// Mask bytes of the 8 word lanes of a register, widened: 0xFFFF where a byte is zero.
+inline __m128i excludedWords(const Zev8u* m, __m128i) {
+    __m128i z = _mm_cmpeq_epi8(load8(m), _mm_setzero_si128());
+    return _mm_unpacklo_epi8(z, z);
+}
+
+#ifdef __AVX2__
+template <> inline __m256i loadu<__m256i>(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+template <> inline __m256i zero<__m256i>() { return _mm256_setzero_si256(); }
+template <> inline __m256i bytes<__m256i>(int v) { return _mm256_set1_epi8(static_cast<char>(v)); }
+inline __m256i vor(__m256i a, __m256i b) { return _mm256_or_si256(a, b); }
+inline __m256i vxor(__m256i a, __m256i b) { return _mm256_xor_si256(a, b); }
+inline __m256i vandnot(__m256i a, __m256i b) { return _mm256_andnot_si256(a, b); }
+inline __m256i subsU8(__m256i a, __m256i b) { return _mm256_subs_epu8(a, b); }
+inline __m256i subsU16(__m256i a, __m256i b) { return _mm256_subs_epu16(a, b); }
+inline __m256i absI8(__m256i a) { return _mm256_abs_epi8(a); }
+inline __m256i eq8(__m256i a, __m256i b) { return _mm256_cmpeq_epi8(a, b); }
+inline __m256i maxU8(__m256i a, __m256i b) { return _mm256_max_epu8(a, b); }
+inline __m256i add16(__m256i a, __m256i b) { return _mm256_add_epi16(a, b); }
+inline __m256i add32(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
+inline __m256i add64(__m256i a, __m256i b) { return _mm256_add_epi64(a, b); }
+inline __m256i sadZero(__m256i a) { return _mm256_sad_epu8(a, _mm256_setzero_si256()); }
+inline __m256i madd16(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
+inline __m256i mullo16(__m256i a, __m256i b) { return _mm256_mullo_epi16(a, b); }
+inline __m256i mulhiU16(__m256i a, __m256i b) { return _mm256_mulhi_epu16(a, b); }
+inline __m256i lo8(__m256i a, __m256i b) { return _mm256_unpacklo_epi8(a, b); }
+inline __m256i hi8(__m256i a, __m256i b) { return _mm256_unpackhi_epi8(a, b); }
+inline __m256i lo16(__m256i a, __m256i b) { return _mm256_unpacklo_epi16(a, b); }
+inline __m256i hi16(__m256i a, __m256i b) { return _mm256_unpackhi_epi16(a, b); }
+inline __m256i lo32(__m256i a, __m256i b) { return _mm256_unpacklo_epi32(a, b); }
+inline __m256i hi32(__m256i a, __m256i b) { return _mm256_unpackhi_epi32(a, b); }
+inline __m256i excludedWords(const Zev8u* m, __m256i) {
+    __m128i z = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
+    return _mm256_cvtepi8_epi16(z);
+}
+#endif
+
+// Sum of the 64-bit lanes.
+template <class V>
+inline std::uint64_t sumLanes64(V v) {
+    alignas(32) std::uint64_t l[sizeof(V) / 8];
+    std::memcpy(l, &v, sizeof(V));
+    std::uint64_t s = 0;
+    for (std::uint64_t x : l) s += x;
+    return s;
+}
+
+// ---- magnitudes. For integers V is the register type; floats use __m128.
+template <class T, class V = __m128i>
 struct Mag;
 
-// Unsigned bytes: |a - b| as the OR of the two saturating differences.
-template <>
-struct Mag<Zev8u> {
-    using V = __m128i;
-    using M = Zev8u;  // type of a magnitude
-    static constexpr int E = 16;
+// Unsigned bytes and words: |a - b| as the OR of the two saturating differences.
+template <class T, class V>
+    requires(std::is_unsigned_v<T>)
+struct Mag<T, V> {
+    using M = T;  // type of a magnitude
+    using Reg = V;
+    static constexpr int E = static_cast<int>(sizeof(V) / sizeof(T));
     static V abs(V a) { return a; }
-    static V absDiff(V a, V b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
-    static unsigned abs(Zev8u a) { return a; }
-    static unsigned absDiff(Zev8u a, Zev8u b) { return a > b ? a - b : b - a; }
-    static __m128i maskBytes(const Zev8u* m) { return load16(m); }
-    static V excluded(__m128i bytes) { return _mm_cmpeq_epi8(bytes, _mm_setzero_si128()); }
-    static V keep(V excluded, V v) { return _mm_andnot_si128(excluded, v); }
+    static V absDiff(V a, V b) {
+        if constexpr (sizeof(T) == 1) return vor(subsU8(a, b), subsU8(b, a));
+        else return vor(subsU16(a, b), subsU16(b, a));
+    }
+    static unsigned abs(T a) { return a; }
+    static unsigned absDiff(T a, T b) { return a > b ? a - b : b - a; }
+    // Lanes whose mask byte is zero, all ones.
+    static V excluded(const Zev8u* m) {
+        if constexpr (sizeof(T) == 1) return eq8(loadu<V>(m), zero<V>());
+        else return excludedWords(m, V{});
+    }
+    static V keep(V excluded, V v) { return vandnot(excluded, v); }
 };
 
 // Signed bytes: |-128| is 128, which still fits an unsigned byte; differences are
 // taken on values biased by 0x80, where they are the unsigned ones.
-template <>
-struct Mag<Zev8s> : Mag<Zev8u> {
-    static V abs(V a) { return _mm_abs_epi8(a); }
+template <class V>
+struct Mag<Zev8s, V> : Mag<Zev8u, V> {
+    static V abs(V a) { return absI8(a); }
     static V absDiff(V a, V b) {
-        const V bias = _mm_set1_epi8(static_cast<char>(0x80));
-        return Mag<Zev8u>::absDiff(_mm_xor_si128(a, bias), _mm_xor_si128(b, bias));
+        const V bias = bytes<V>(0x80);
+        return Mag<Zev8u, V>::absDiff(vxor(a, bias), vxor(b, bias));
     }
     static unsigned abs(Zev8s a) { return static_cast<unsigned>(a < 0 ? -a : a); }
     static unsigned absDiff(Zev8s a, Zev8s b) { return static_cast<unsigned>(a > b ? a - b : b - a); }
 };
 
-template <>
-struct Mag<Zev16u> {
-    using V = __m128i;
-    using M = Zev16u;
-    static constexpr int E = 8;
-    static V abs(V a) { return a; }
-    static V absDiff(V a, V b) { return _mm_or_si128(_mm_subs_epu16(a, b), _mm_subs_epu16(b, a)); }
-    static unsigned abs(Zev16u a) { return a; }
-    static unsigned absDiff(Zev16u a, Zev16u b) { return a > b ? a - b : b - a; }
-    static __m128i maskBytes(const Zev8u* m) { return load8(m); }
-    static V excluded(__m128i bytes) {
-        V z = _mm_cmpeq_epi8(bytes, _mm_setzero_si128());
-        return _mm_unpacklo_epi8(z, z);
-    }
-    static V keep(V excluded, V v) { return _mm_andnot_si128(excluded, v); }
-};
-
 // Floats: the magnitude is the value with its sign bit cleared, so a NaN stays a
 // NaN; an excluded lane becomes +0 whatever it held.
 template <>
-struct Mag<Zev32f> {
-    using V = __m128;
+struct Mag<Zev32f, __m128i> {
     using M = Zev32f;
+    using Reg = __m128;
     static constexpr int E = 4;
-    static V absMask() { return _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)); }
-    static V abs(V a) { return _mm_and_ps(a, absMask()); }
-    static V absDiff(V a, V b) { return _mm_and_ps(_mm_sub_ps(a, b), absMask()); }
+    static __m128 absMask() { return _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)); }
+    static __m128 abs(__m128 a) { return _mm_and_ps(a, absMask()); }
+    static __m128 absDiff(__m128 a, __m128 b) { return _mm_and_ps(_mm_sub_ps(a, b), absMask()); }
     static float abs(float a) { return std::bit_cast<float>(std::bit_cast<std::uint32_t>(a) & 0x7fffffffu); }
     static float absDiff(float a, float b) { return abs(a - b); }
-    static __m128i maskBytes(const Zev8u* m) { return load4(m); }
-    static V excluded(__m128i bytes) {
+    // From four mask bytes in the low lanes of bytes.
+    static __m128 excludedFrom(__m128i bytes) {
         __m128i z = _mm_cmpeq_epi8(bytes, _mm_setzero_si128());
         z = _mm_unpacklo_epi8(z, z);
         return _mm_castsi128_ps(_mm_unpacklo_epi16(z, z));
     }
-    static V keep(V excluded, V v) { return _mm_andnot_ps(excluded, v); }
+    static __m128 excluded(const Zev8u* m) { return excludedFrom(load4(m)); }
+    static __m128 keep(__m128 excluded, __m128 v) { return _mm_andnot_ps(excluded, v); }
 };
 
-template <class V>
-inline V fromBits(__m128i v) {
-    if constexpr (std::is_same_v<V, __m128>) return _mm_castsi128_ps(v);
-    else return v;
-}
-
-// One register of E pixels' elements of the chosen channel. For C1 a plain load;
-// for C3 three registers (3 * E elements) gathered by byte shuffles. Lane i of
-// the result holds pixel order[i] of the group, and the mask bytes are gathered
-// in the same order, so that lanes and mask stay paired.
-template <class T, int Ch>
+// One register of E pixels' elements of the chosen channel: for C1 a plain load.
+template <class T, int Ch, class V = __m128i>
 struct Channel {
-    using Mg = Mag<T>;
-    using V = typename Mg::V;
-    static constexpr int E = Mg::E;
-
-    explicit Channel(int /*ch*/, const int* /*order*/ = nullptr) {}
-    V load(const T* p) const {
-        if constexpr (std::is_same_v<V, __m128>) return _mm_loadu_ps(p);
-        else return load16(p);
+    using Mg = Mag<T, V>;
+    using R = typename Mg::Reg;
+    explicit Channel(int /*ch*/) {}
+    R load(const T* p) const {
+        if constexpr (std::is_same_v<R, __m128>) return _mm_loadu_ps(p);
+        else return loadu<R>(p);
     }
-    __m128i maskBytes(const Zev8u* m) const { return Mg::maskBytes(m); }
+    R excluded(const Zev8u* m) const { return Mg::excluded(m); }
 };
 
+// For C3, three 16-byte registers (3 * E elements) gathered by byte shuffles.
+// Floats put pixel 3 * (i - ch) % 4 of a group into lane i: that is where its
+// element falls when the group's three registers are added one after the other.
+// The mask bytes are gathered in the same order, so lanes and mask stay paired.
 template <class T>
-struct Channel<T, 3> {
-    using Mg = Mag<T>;
-    using V = typename Mg::V;
+struct Channel<T, 3, __m128i> {
+    using Mg = Mag<T, __m128i>;
+    using R = typename Mg::Reg;
     static constexpr int E = Mg::E;
     static constexpr int S = static_cast<int>(sizeof(T));
+    static constexpr bool kFloat = std::is_same_v<T, Zev32f>;
 
-    // order: pixel taken into each lane (identity if null).
-    Channel(int ch, const int* order = nullptr) {
+    static int pixelOfLane(int lane, int ch) { return kFloat ? (3 * ((lane - ch) & 3)) & 3 : lane; }
+
+    explicit Channel(int ch) {
         alignas(16) std::int8_t sh[3][16];
         alignas(16) std::int8_t ms[16];
         for (int v = 0; v < 3; ++v)
             for (int k = 0; k < 16; ++k) sh[v][k] = static_cast<std::int8_t>(0x80);
         for (int j = 0; j < E; ++j) {
-            int pix = order ? order[j] : j;
-            int idx = 3 * pix + ch;  // element index within the 3 * E elements
+            int idx = 3 * pixelOfLane(j, ch) + ch;  // element index within the 3 * E elements
             for (int k = 0; k < S; ++k) sh[idx / E][j * S + k] = static_cast<std::int8_t>((idx % E) * S + k);
         }
-        for (int k = 0; k < 16; ++k) ms[k] = static_cast<std::int8_t>(k < E ? (order ? order[k] : k) : 0x80);
+        for (int k = 0; k < 16; ++k) ms[k] = static_cast<std::int8_t>(k < E ? pixelOfLane(k, ch) : 0x80);
         for (int v = 0; v < 3; ++v) shuf_[v] = _mm_load_si128(reinterpret_cast<const __m128i*>(sh[v]));
         maskShuf_ = _mm_load_si128(reinterpret_cast<const __m128i*>(ms));
-        reorder_ = order != nullptr;
     }
-    V load(const T* p) const {
-        __m128i r = _mm_shuffle_epi8(load16(p), shuf_[0]);
-        r = _mm_or_si128(r, _mm_shuffle_epi8(load16(p + E), shuf_[1]));
-        r = _mm_or_si128(r, _mm_shuffle_epi8(load16(p + 2 * E), shuf_[2]));
-        return fromBits<V>(r);
+    R load(const T* p) const {
+        __m128i r = _mm_shuffle_epi8(loadu<__m128i>(p), shuf_[0]);
+        r = _mm_or_si128(r, _mm_shuffle_epi8(loadu<__m128i>(p + E), shuf_[1]));
+        r = _mm_or_si128(r, _mm_shuffle_epi8(loadu<__m128i>(p + 2 * E), shuf_[2]));
+        if constexpr (kFloat) return _mm_castsi128_ps(r);
+        else return r;
     }
-    __m128i maskBytes(const Zev8u* m) const {
-        __m128i b = Mg::maskBytes(m);
-        return reorder_ ? _mm_shuffle_epi8(b, maskShuf_) : b;
+    R excluded(const Zev8u* m) const {
+        if constexpr (kFloat) return Mg::excludedFrom(_mm_shuffle_epi8(load4(m), maskShuf_));
+        else return Mg::excluded(m);
     }
 
 private:
     __m128i shuf_[3];
     __m128i maskShuf_;
-    bool reorder_;
 };
 
 }  // namespace v8::normops
