@@ -12,7 +12,7 @@
 namespace v8::ZEV_ISA {
 namespace {
 
-using namespace v8::normops;
+using namespace normops;
 
 template <class T>
 inline const T* byteOffset(const T* p, std::ptrdiff_t bytes) {

@@ -3,7 +3,9 @@
 // width, so that every kind accumulates magnitudes only), the mask widened to
 // element lanes, and the gathering of one channel out of three interleaved ones.
 // Integer operations exist for 16-byte registers and, in files built for AVX2,
-// for 32-byte ones; floats use 16-byte registers only.
+// for 32-byte ones; floats use 16-byte registers only. Everything here has internal
+// linkage in the namespace of the instruction set (ZEV_ISA) the including file is
+// built for, so that no copy compiled for a wider set is shared with another file.
 #pragma once
 
 #include <immintrin.h>
@@ -15,7 +17,9 @@
 
 #include "zevcv.h"
 
-namespace v8::normops {
+namespace v8::ZEV_ISA {
+namespace {
+namespace normops {
 
 inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 inline __m128i load4(const void* p) {
@@ -31,27 +35,25 @@ template <class V> V zero();
 template <> inline __m128i zero<__m128i>() { return _mm_setzero_si128(); }
 template <class V> V bytes(int v);
 template <> inline __m128i bytes<__m128i>(int v) { return _mm_set1_epi8(static_cast<char>(v)); }
-inline __m128i vor(__m128i a, __m128i b) { return _mm_or_si128(a, b); }
-inline __m128i vxor(__m128i a, __m128i b) { return _mm_xor_si128(a, b); }
-inline __m128i vandnot(__m128i a, __m128i b) { return _mm_andnot_si128(a, b); }
-inline __m128i subsU8(__m128i a, __m128i b) { return _mm_subs_epu8(a, b); }
-inline __m128i subsU16(__m128i a, __m128i b) { return _mm_subs_epu16(a, b); }
+// Two-operand integer operations: name, 16-byte intrinsic, 32-byte intrinsic.
+#define ZEV_NORM_INT_OPS(X)                                                           \
+    X(vor, or_si128, or_si256) X(vxor, xor_si128, xor_si256)                          \
+    X(vandnot, andnot_si128, andnot_si256) X(subsU8, subs_epu8, subs_epu8)            \
+    X(subsU16, subs_epu16, subs_epu16) X(eq8, cmpeq_epi8, cmpeq_epi8)                 \
+    X(maxU8, max_epu8, max_epu8) X(add16, add_epi16, add_epi16)                       \
+    X(add32, add_epi32, add_epi32) X(add64, add_epi64, add_epi64)                     \
+    X(madd16, madd_epi16, madd_epi16) X(mullo16, mullo_epi16, mullo_epi16)            \
+    X(mulhiU16, mulhi_epu16, mulhi_epu16) X(lo8, unpacklo_epi8, unpacklo_epi8)        \
+    X(hi8, unpackhi_epi8, unpackhi_epi8) X(lo16, unpacklo_epi16, unpacklo_epi16)      \
+    X(hi16, unpackhi_epi16, unpackhi_epi16) X(lo32, unpacklo_epi32, unpacklo_epi32)   \
+    X(hi32, unpackhi_epi32, unpackhi_epi32)
+
+#define ZEV_NORM_OP_SSE(name, s, w) \
+    inline __m128i name(__m128i a, __m128i b) { return _mm_##s(a, b); }
+ZEV_NORM_INT_OPS(ZEV_NORM_OP_SSE)
+#undef ZEV_NORM_OP_SSE
 inline __m128i absI8(__m128i a) { return _mm_abs_epi8(a); }
-inline __m128i eq8(__m128i a, __m128i b) { return _mm_cmpeq_epi8(a, b); }
-inline __m128i maxU8(__m128i a, __m128i b) { return _mm_max_epu8(a, b); }
-inline __m128i add16(__m128i a, __m128i b) { return _mm_add_epi16(a, b); }
-inline __m128i add32(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
-inline __m128i add64(__m128i a, __m128i b) { return _mm_add_epi64(a, b); }
 inline __m128i sadZero(__m128i a) { return _mm_sad_epu8(a, _mm_setzero_si128()); }
-inline __m128i madd16(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
-inline __m128i mullo16(__m128i a, __m128i b) { return _mm_mullo_epi16(a, b); }
-inline __m128i mulhiU16(__m128i a, __m128i b) { return _mm_mulhi_epu16(a, b); }
-inline __m128i lo8(__m128i a, __m128i b) { return _mm_unpacklo_epi8(a, b); }
-inline __m128i hi8(__m128i a, __m128i b) { return _mm_unpackhi_epi8(a, b); }
-inline __m128i lo16(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
-inline __m128i hi16(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
-inline __m128i lo32(__m128i a, __m128i b) { return _mm_unpacklo_epi32(a, b); }
-inline __m128i hi32(__m128i a, __m128i b) { return _mm_unpackhi_epi32(a, b); }
 // Mask bytes of the 8 word lanes of a register, widened: 0xFFFF where a byte is zero.
 inline __m128i excludedWords(const Zev8u* m, __m128i) {
     __m128i z = _mm_cmpeq_epi8(load8(m), _mm_setzero_si128());
@@ -62,27 +64,12 @@ inline __m128i excludedWords(const Zev8u* m, __m128i) {
 template <> inline __m256i loadu<__m256i>(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
 template <> inline __m256i zero<__m256i>() { return _mm256_setzero_si256(); }
 template <> inline __m256i bytes<__m256i>(int v) { return _mm256_set1_epi8(static_cast<char>(v)); }
-inline __m256i vor(__m256i a, __m256i b) { return _mm256_or_si256(a, b); }
-inline __m256i vxor(__m256i a, __m256i b) { return _mm256_xor_si256(a, b); }
-inline __m256i vandnot(__m256i a, __m256i b) { return _mm256_andnot_si256(a, b); }
-inline __m256i subsU8(__m256i a, __m256i b) { return _mm256_subs_epu8(a, b); }
-inline __m256i subsU16(__m256i a, __m256i b) { return _mm256_subs_epu16(a, b); }
+#define ZEV_NORM_OP_AVX2(name, s, w) \
+    inline __m256i name(__m256i a, __m256i b) { return _mm256_##w(a, b); }
+ZEV_NORM_INT_OPS(ZEV_NORM_OP_AVX2)
+#undef ZEV_NORM_OP_AVX2
 inline __m256i absI8(__m256i a) { return _mm256_abs_epi8(a); }
-inline __m256i eq8(__m256i a, __m256i b) { return _mm256_cmpeq_epi8(a, b); }
-inline __m256i maxU8(__m256i a, __m256i b) { return _mm256_max_epu8(a, b); }
-inline __m256i add16(__m256i a, __m256i b) { return _mm256_add_epi16(a, b); }
-inline __m256i add32(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
-inline __m256i add64(__m256i a, __m256i b) { return _mm256_add_epi64(a, b); }
 inline __m256i sadZero(__m256i a) { return _mm256_sad_epu8(a, _mm256_setzero_si256()); }
-inline __m256i madd16(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
-inline __m256i mullo16(__m256i a, __m256i b) { return _mm256_mullo_epi16(a, b); }
-inline __m256i mulhiU16(__m256i a, __m256i b) { return _mm256_mulhi_epu16(a, b); }
-inline __m256i lo8(__m256i a, __m256i b) { return _mm256_unpacklo_epi8(a, b); }
-inline __m256i hi8(__m256i a, __m256i b) { return _mm256_unpackhi_epi8(a, b); }
-inline __m256i lo16(__m256i a, __m256i b) { return _mm256_unpacklo_epi16(a, b); }
-inline __m256i hi16(__m256i a, __m256i b) { return _mm256_unpackhi_epi16(a, b); }
-inline __m256i lo32(__m256i a, __m256i b) { return _mm256_unpacklo_epi32(a, b); }
-inline __m256i hi32(__m256i a, __m256i b) { return _mm256_unpackhi_epi32(a, b); }
 inline __m256i excludedWords(const Zev8u* m, __m256i) {
     __m128i z = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
     return _mm256_cvtepi8_epi16(z);
@@ -217,4 +204,6 @@ private:
     __m128i maskShuf_;
 };
 
-}  // namespace v8::normops
+}  // namespace normops
+}  // namespace
+}  // namespace v8::ZEV_ISA
