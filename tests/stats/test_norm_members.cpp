@@ -137,15 +137,18 @@ struct FloatAcc {
             lane[l] = lane[l] + v;
         }
     }
+    // The single-precision roundings go through memory: GCC 12's straight-line
+    // vectorizer has been seen dropping them when two of these run side by side.
     void row() {
-        float a = lane[0] + lane[2];
-        float b = lane[1] + lane[3];
+        volatile float a = lane[0] + lane[2];
+        volatile float b = lane[1] + lane[3];
         d0 += a;
         d1 += b;
         std::fill(lane, lane + 4, 0.0f);
     }
     double result() const {
-        return kind == Kind::Inf ? static_cast<double>(mx) : static_cast<double>(static_cast<float>(d0 + d1));
+        volatile float total = static_cast<float>(d0 + d1);
+        return kind == Kind::Inf ? static_cast<double>(mx) : static_cast<double>(total);
     }
 };
 

@@ -2,8 +2,6 @@
 // type, form (one image, difference, relative), norm kind and layout.
 #pragma once
 
-#include <cstddef>
-
 #include "zevcv.h"
 
 namespace v8 {

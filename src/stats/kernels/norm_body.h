@@ -137,7 +137,9 @@ struct Acc<Zev32f, NormKind::Inf, V> {
 
 // Float sums: four single lanes per row from zero; at the row's end lanes 2 and 3
 // go onto lanes 0 and 1 in single precision, and those two into a pair of doubles.
-// The band's total is rounded once to single precision.
+// The band's total is rounded once to single precision. The folds are written in
+// intrinsics: GCC 12's straight-line vectorizer dropped the single-precision
+// roundings of the plain scalar form when two of these ran side by side.
 template <NormKind K, class V>
     requires(K != NormKind::Inf)
 struct Acc<Zev32f, K, V> {
