@@ -152,6 +152,58 @@ ZEVAPI ZevStatus zeviAbsDiffC_16u_C1R(const Zev16u* src, int srcStep, Zev16u* ds
 ZEVAPI ZevStatus zeviAbsDiffC_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
                                       ZeviSize roiSize, Zev32f value);
 
+/* ---- mean and standard deviation of a region, one channel or one of three (coi);
+        stdDev and mean of zeviMean_StdDev_* may be null */
+
+ZEVAPI ZevStatus zeviMean_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C1R(const Zev8u* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C3CR(const Zev8u* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C1R(const Zev8s* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C3CR(const Zev8s* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C1R(const Zev16u* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C3CR(const Zev16u* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C1R(const Zev32f* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C3CR(const Zev32f* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
 #ifdef __cplusplus
