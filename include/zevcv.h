@@ -204,6 +204,53 @@ ZEVAPI ZevStatus zeviMean_StdDev_32f_C1MR(const Zev32f* src, int srcStep, const 
 ZEVAPI ZevStatus zeviMean_StdDev_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
                                            ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
 
+/* ---- minimum and maximum with the first position of each (row-major); every output may be null */
+
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C1R(const Zev8u* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C3CR(const Zev8u* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C1R(const Zev8s* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C3CR(const Zev8s* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C1R(const Zev16u* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C3CR(const Zev16u* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C1R(const Zev32f* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C3CR(const Zev32f* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
 #ifdef __cplusplus

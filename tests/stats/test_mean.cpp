@@ -11,12 +11,15 @@
 
 #include "common/guarded.h"
 #include "stats/kernels/mean.h"
+#include "test_mean_minmax_util.h"
 #include "test_mean_ref.h"
 #include "zevcv.h"
 
 namespace {
 
-enum class Ty { U8, S8, U16, F32 };
+using st::byType;
+using st::elemBytes;
+using st::Ty;
 
 using Call = ZevStatus (*)(const void*, int, const Zev8u*, int, ZeviSize, int, Zev64f*, Zev64f*);
 
@@ -68,8 +71,6 @@ const std::vector<MeanFn>& allFns() {
     return fns;
 }
 
-int elemBytes(Ty t) { return t == Ty::U8 || t == Ty::S8 ? 1 : (t == Ty::U16 ? 2 : 4); }
-
 // Random values of the element type; 32f values with a large common offset
 // half of the time, so that lane order shows in the last bits.
 template <class E>
@@ -113,16 +114,6 @@ void checkOne(const MeanFn& f, int w, int h, int offset, int pad, int coi, int d
     }
     EXPECT_TRUE(img.guardsIntact());
     EXPECT_TRUE(mask.guardsIntact());
-}
-
-template <class F>
-void byType(Ty t, F f) {
-    switch (t) {
-        case Ty::U8: f(Zev8u{}); break;
-        case Ty::S8: f(Zev8s{}); break;
-        case Ty::U16: f(Zev16u{}); break;
-        case Ty::F32: f(Zev32f{}); break;
-    }
 }
 
 class MeanAll : public ::testing::TestWithParam<MeanFn> {};
@@ -350,10 +341,6 @@ INSTANTIATE_TEST_SUITE_P(
         ArgCase{"coi 4 after a short step", 4, 3, -1, 0, 4, false, false, false, {kStep, kStep, kStep, kStep},
                 false},
         ArgCase{"step equal to the row", 1, 1, 0, 0, 3, false, false, false, {kOk, kOk, kOk, kOk}, false}),
-    [](const auto& info) {
-        std::string s;
-        for (char ch : info.param.what) s += std::isalnum(static_cast<unsigned char>(ch)) ? ch : '_';
-        return s;
-    });
+    [](const auto& info) { return st::ident(info.param.what); });
 
 }  // namespace
