@@ -59,14 +59,7 @@ MinMaxStage<T> combine(const MinMaxStage<T>* slots, int count) {
             r = s;
             continue;
         }
-        if (s.minVal < r.minVal) {
-            r.minVal = s.minVal;
-            r.minRow = s.minRow;
-        }
-        if (!(s.maxVal <= r.maxVal)) {
-            r.maxVal = s.maxVal;
-            r.maxRow = s.maxRow;
-        }
+        r.take(s.minVal, s.minRow, s.maxVal, s.maxRow);
     }
     return r;
 }

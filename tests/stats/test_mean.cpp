@@ -161,7 +161,9 @@ TEST_P(MeanAll, ThreadSplitFollowsTheBands) {
     zt::Rng rng(9);
     byType(f.ty, [&](auto e) {
         using E = decltype(e);
-        for (int T : {1, 2, 3}) {
+        // Integer sums are exact whatever the split: one team size suffices there.
+        const std::vector<int> teams = f.ty == Ty::F32 ? std::vector<int>{1, 2, 3} : std::vector<int>{2};
+        for (int T : teams) {
             zt::Threads scope(T);
             const int shift = (!f.masked && f.ch == 1 && f.ty == Ty::F32) ? 16 : 17;
             const int threshold = T << shift;

@@ -26,6 +26,9 @@ struct MinMaxLimits {
     }
 };
 
+// First row at or after 0 with a nonzero mask byte, or height.
+int ownFirstSelectedRow(const Zev8u* mask, int maskStep, int width, int height);
+
 // Result of the first stage over a band: the extremes, the first row holding
 // each, and whether any pixel took part (always, without a mask).
 template <class T>
@@ -36,6 +39,30 @@ struct MinMaxStage {
     int minRow = 0;
     int maxRow = 0;
     int found = 0;
+
+    // Where the search starts: row 0, or with a mask the first row that selects
+    // a pixel; height when there is none, and the stage is then over.
+    template <bool Masked>
+    int start(const Zev8u* mask, int maskStep, int width, int height) {
+        int y = Masked ? ownFirstSelectedRow(mask, maskStep, width, height) : 0;
+        if (y < height) {
+            found = 1;
+            minRow = maxRow = y;
+        }
+        return y;
+    }
+    // Later extremes replace the minimum only if less, the maximum only if not
+    // less or equal (so a NaN maximum is taken), which keeps the first row.
+    void take(Val lo, int loRow, Val hi, int hiRow) {
+        if (lo < minVal) {
+            minVal = lo;
+            minRow = loRow;
+        }
+        if (!(hi <= maxVal)) {
+            maxVal = hi;
+            maxRow = hiRow;
+        }
+    }
 };
 
 // First stage, any type and layout. Rows are relative to src. For 32f the
@@ -57,9 +84,6 @@ MinMaxStage<T> ownMinMaxIndx_C1_W7_1(const T* src, int srcStep, const Zev8u* mas
 template <class T, bool Masked>
 MinMaxStage<T> ownMinMaxIndx_C1_avx2_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
                                        int height);
-
-// First row at or after 0 with a nonzero mask byte, or height.
-int ownFirstSelectedRow(const Zev8u* mask, int maskStep, int width, int height);
 
 // Second stage: the first column of a row whose (selected) element equals value;
 // notFound if there is none.

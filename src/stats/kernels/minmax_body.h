@@ -48,19 +48,13 @@ MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Ze
                                   int height) {
     using V = Reg<std::uint8_t, Bytes>;
     MinMaxStage<std::uint8_t> r;
-    int y = 0;
-    if constexpr (Masked) {
-        y = ownFirstSelectedRow(mask, maskStep, width, height);
-        if (y == height) return r;
-        r.minRow = r.maxRow = y;
-    }
-    r.found = 1;
+    int y = r.template start<Masked>(mask, maskStep, width, height);
     for (; y < height; ++y) {
         const std::uint8_t* p = stat::rowAt(src, srcStep, y);
         const Zev8u* m = Masked ? stat::rowAt(mask, maskStep, y) : nullptr;
         V lo0 = ones(V{}), lo1 = lo0, hi0 = zeros(V{}), hi1 = hi0;
         // An excluded byte becomes 255 for the minimum and 0 for the maximum.
-        auto take = [&](V& lo, V& hi, int x) {
+        auto accumulate = [&](V& lo, V& hi, int x) {
             V v = load<V>(p + x);
             if constexpr (Masked) {
                 V off = isZero(load<V>(m + x));
@@ -73,11 +67,11 @@ MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Ze
         };
         int x = 0;
         for (; x + 2 * Bytes <= width; x += 2 * Bytes) {
-            take(lo0, hi0, x);
-            take(lo1, hi1, x + Bytes);
+            accumulate(lo0, hi0, x);
+            accumulate(lo1, hi1, x + Bytes);
         }
         if (x + Bytes <= width) {
-            take(lo0, hi0, x);
+            accumulate(lo0, hi0, x);
             x += Bytes;
         }
         int rowMin = hmin(vmin(lo0, lo1)), rowMax = hmax(vmax(hi0, hi1));
@@ -87,14 +81,7 @@ MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Ze
             rowMin = v < rowMin ? v : rowMin;
             rowMax = v > rowMax ? v : rowMax;
         }
-        if (rowMin < r.minVal) {
-            r.minVal = rowMin;
-            r.minRow = y;
-        }
-        if (rowMax > r.maxVal) {
-            r.maxVal = rowMax;
-            r.maxRow = y;
-        }
+        r.take(rowMin, y, rowMax, y);
     }
     return r;
 }
@@ -147,13 +134,7 @@ MinMaxStage<float> stage32f(const float* src, int srcStep, const Zev8u* mask, in
                             int height) {
     using V = std::conditional_t<Bytes == 16, F8x2, Reg<float, Bytes>>;
     MinMaxStage<float> r;
-    int y = 0;
-    if constexpr (Masked) {
-        y = ownFirstSelectedRow(mask, maskStep, width, height);
-        if (y == height) return r;
-        r.minRow = r.maxRow = y;
-    }
-    r.found = 1;
+    int y = r.template start<Masked>(mask, maskStep, width, height);
     V lo = splat8(MinMaxLimits<float>::lo(), V{}), hi = splat8(MinMaxLimits<float>::hi(), V{});
     auto mn = [](__m128 b, __m128 x) { return _mm_min_ps(b, x); };
     auto mx = [](__m128 b, __m128 x) { return _mm_max_ps(b, x); };
@@ -184,14 +165,7 @@ MinMaxStage<float> stage32f(const float* src, int srcStep, const Zev8u* mask, in
         }
         float rowMin = fold8(half(lo, 0), half(lo, 1), mn);
         float rowMax = fold8(half(hi, 0), half(hi, 1), mx);
-        if (rowMin < r.minVal) {
-            r.minVal = rowMin;
-            r.minRow = y;
-        }
-        if (!(rowMax <= r.maxVal)) {
-            r.maxVal = rowMax;
-            r.maxRow = y;
-        }
+        r.take(rowMin, y, rowMax, y);
     }
     return r;
 }

@@ -50,13 +50,7 @@ MinMaxStage<T> ownMinMaxIndx_1(const T* src, int srcStep, const Zev8u* mask, int
     using Lim = MinMaxLimits<T>;
     using Val = typename Lim::Val;
     MinMaxStage<T> r;
-    int y = 0;
-    if constexpr (Masked) {
-        y = ownFirstSelectedRow(mask, maskStep, width, height);
-        if (y == height) return r;
-        r.minRow = r.maxRow = y;
-    }
-    r.found = 1;
+    int y = r.template start<Masked>(mask, maskStep, width, height);
     float lo[8], hi[8];
     for (int j = 0; j < 8; ++j) {
         lo[j] = static_cast<float>(Lim::lo());
@@ -86,14 +80,7 @@ MinMaxStage<T> ownMinMaxIndx_1(const T* src, int srcStep, const Zev8u* mask, int
                 rowMax = v > rowMax ? v : rowMax;
             }
         }
-        if (rowMin < r.minVal) {
-            r.minVal = rowMin;
-            r.minRow = y;
-        }
-        if (!(rowMax <= r.maxVal)) {
-            r.maxVal = rowMax;
-            r.maxRow = y;
-        }
+        r.take(rowMin, y, rowMax, y);
     }
     return r;
 }
