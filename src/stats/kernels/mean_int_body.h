@@ -75,8 +75,7 @@ IntSums sumSq8u(const std::uint8_t* src, int srcStep, const std::uint8_t* mask, 
         int x = 0;
         while (x + Bytes <= width) {
             V s = zero(V{}), q = zero(V{}), c = zero(V{});
-            int end = x + kFlushSteps * Bytes;
-            if (end > width || end < x) end = width;
+            const int end = width - x > kFlushSteps * Bytes ? x + kFlushSteps * Bytes : width;
             for (; x + 2 * Bytes <= end; x += 2 * Bytes) {
                 V v0 = load<V>(p + x), v1 = load<V>(p + x + Bytes);
                 if constexpr (Masked) {
