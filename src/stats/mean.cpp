@@ -104,9 +104,9 @@ Slot<T> bandSums(const T* src, const T* chan, int srcStep, const Zev8u* mask, in
         }
     } else {
         IntSums r;
-        if constexpr (std::is_same_v<T, Zev8u> && L::ch == 1) {
-            r = simd::hasAvx2() ? ownSumSq_8u_C1_avx2<Masked>(chan, srcStep, mask, maskStep, width, rows)
-                                : ownSumSq_8u_C1_W7<Masked>(chan, srcStep, mask, maskStep, width, rows);
+        if constexpr (std::is_same_v<T, Zev8u>) {
+            if (L::ch == 1 && simd::hasAvx2()) r = ownSumSq_8u_C1_avx2<Masked>(chan, srcStep, mask, maskStep, width, rows);
+            else r = ownSumSq_8u_V8<L, Masked>(chan, srcStep, mask, maskStep, width, rows);
         } else {
             r = ownSumSqInt<T, L, Masked>(chan, srcStep, mask, maskStep, width, rows);
         }

@@ -36,10 +36,12 @@ ZevStatus checkArgs(const T* src, int srcStep, const Zev8u* mask, int maskStep, 
 
 template <class T, class L, bool Masked>
 MinMaxStage<T> firstStage(const T* chan, int srcStep, const Zev8u* mask, int maskStep, int width, int rows) {
-    constexpr bool vec = L::ch == 1 && (std::is_same_v<T, Zev8u> || std::is_same_v<T, Zev32f>);
+    // Vector kernels: 8u of either layout, 32f of one channel.
+    constexpr bool vec = std::is_same_v<T, Zev8u> || (std::is_same_v<T, Zev32f> && L::ch == 1);
     if constexpr (vec) {
-        if (simd::hasAvx2()) return ownMinMaxIndx_C1_avx2_1<T, Masked>(chan, srcStep, mask, maskStep, width, rows);
-        return ownMinMaxIndx_C1_W7_1<T, Masked>(chan, srcStep, mask, maskStep, width, rows);
+        if (L::ch == 1 && simd::hasAvx2())
+            return ownMinMaxIndx_C1_avx2_1<T, Masked>(chan, srcStep, mask, maskStep, width, rows);
+        return ownMinMaxIndx_V8_1<T, L, Masked>(chan, srcStep, mask, maskStep, width, rows);
     } else {
         return ownMinMaxIndx_1<T, L, Masked>(chan, srcStep, mask, maskStep, width, rows);
     }

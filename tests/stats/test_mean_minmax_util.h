@@ -4,6 +4,7 @@
 #include <cctype>
 #include <string>
 
+#include "common/guarded.h"
 #include "zevcv.h"
 
 namespace st {
@@ -22,6 +23,22 @@ void byType(Ty t, F f) {
         case Ty::F32: f(Zev32f{}); break;
     }
 }
+
+// Source and mask of an argument test, with their contents saved, so that an
+// error return can be checked to have touched nothing. Invalid sizes still get
+// a small valid image to point at.
+template <class E>
+struct ArgImages {
+    int w, h;
+    zt::Image<E> img;
+    zt::Image<Zev8u> mask;
+    ArgImages(int width, int height, int channels)
+        : w(width > 0 ? width : 4), h(height > 0 ? height : 3), img(w, h, channels, 6), mask(w, h, 1, 6) {
+        img.snapshot();
+        mask.snapshot();
+    }
+    bool unchanged() const { return img.unchanged() && mask.unchanged(); }
+};
 
 // A test name from free text.
 inline std::string ident(const std::string& s) {

@@ -20,10 +20,11 @@ struct IntSums {
 // Any integer type and layout; with Masked, only pixels of nonzero mask bytes.
 template <class T, class L, bool Masked>
 IntSums ownSumSqInt(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height);
-// One-channel 8-bit bands, by 16-byte registers or, where the processor has
-// them, 32-byte ones.
-template <bool Masked>
-IntSums ownSumSq_8u_C1_W7(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height);
+// 8-bit bands by 16-byte registers (one channel, or one of three sorted out by
+// byte shuffles), and one-channel bands by 32-byte registers where the
+// processor has them.
+template <class L, bool Masked>
+IntSums ownSumSq_8u_V8(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height);
 template <bool Masked>
 IntSums ownSumSq_8u_C1_avx2(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height);
 

@@ -5,7 +5,7 @@ namespace v8 {
 
 template <bool Masked>
 IntSums ownSumSq_8u_C1_avx2(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height) {
-    return avx2::sumSq8u<32, Masked>(src, srcStep, mask, maskStep, width, height);
+    return avx2::sumSq8u<32, stat::C1, Masked>(src, srcStep, mask, maskStep, width, height);
 }
 
 template IntSums ownSumSq_8u_C1_avx2<false>(const Zev8u*, int, const Zev8u*, int, int, int);

@@ -7,6 +7,7 @@
 
 #include "frame/kernels/simd.h"
 #include "stats/kernels/mean.h"
+#include "stats/kernels/stat_pixels_body.h"
 
 namespace v8::ZEV_ISA {
 namespace {
@@ -65,19 +66,21 @@ inline std::uint64_t hsum32(__m256i v) {
 // A 32-bit square lane gains at most 4 * 255^2 per register step.
 constexpr int kFlushSteps = 8192;
 
-template <int Bytes, bool Masked>
+template <int Bytes, class L, bool Masked>
 IntSums sumSq8u(const std::uint8_t* src, int srcStep, const std::uint8_t* mask, int maskStep, int width, int height) {
     using V = Reg<std::uint8_t, Bytes>;
+    // Vector steps end where the last load would still lie inside the row.
+    const int vecEnd = width - kSparePixels<L>;
     std::uint64_t sum = 0, sq = 0, count = 0;
     for (int y = 0; y < height; ++y) {
         const std::uint8_t* p = stat::rowAt(src, srcStep, y);
         const std::uint8_t* m = Masked ? stat::rowAt(mask, maskStep, y) : nullptr;
         int x = 0;
-        while (x + Bytes <= width) {
+        while (x + Bytes <= vecEnd) {
             V s = zero(V{}), q = zero(V{}), c = zero(V{});
-            const int end = width - x > kFlushSteps * Bytes ? x + kFlushSteps * Bytes : width;
+            const int end = vecEnd - x > kFlushSteps * Bytes ? x + kFlushSteps * Bytes : vecEnd;
             for (; x + 2 * Bytes <= end; x += 2 * Bytes) {
-                V v0 = load<V>(p + x), v1 = load<V>(p + x + Bytes);
+                V v0 = loadPixels(p, x, L{}, V{}), v1 = loadPixels(p, x + Bytes, L{}, V{});
                 if constexpr (Masked) {
                     V c0, c1;
                     v0 = select(v0, load<V>(m + x), c0);
@@ -89,7 +92,7 @@ IntSums sumSq8u(const std::uint8_t* src, int srcStep, const std::uint8_t* mask, 
                 q = add32(q, add32(squares(v0), squares(v1)));
             }
             for (; x + Bytes <= end; x += Bytes) {
-                V v = load<V>(p + x);
+                V v = loadPixels(p, x, L{}, V{});
                 if constexpr (Masked) {
                     V c0;
                     v = select(v, load<V>(m + x), c0);
@@ -103,7 +106,7 @@ IntSums sumSq8u(const std::uint8_t* src, int srcStep, const std::uint8_t* mask, 
             if constexpr (Masked) count += hsum64(c);
         }
         for (; x < width; ++x) {
-            std::uint32_t v = p[x];
+            std::uint32_t v = p[x * L::ch];
             if constexpr (Masked) {
                 if (!m[x]) continue;
                 ++count;

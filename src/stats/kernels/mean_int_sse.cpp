@@ -5,13 +5,15 @@
 
 namespace v8 {
 
-template <bool Masked>
-IntSums ownSumSq_8u_C1_W7(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height) {
-    return sse::sumSq8u<16, Masked>(src, srcStep, mask, maskStep, width, height);
+template <class L, bool Masked>
+IntSums ownSumSq_8u_V8(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height) {
+    return sse::sumSq8u<16, L, Masked>(src, srcStep, mask, maskStep, width, height);
 }
 
-template IntSums ownSumSq_8u_C1_W7<false>(const Zev8u*, int, const Zev8u*, int, int, int);
-template IntSums ownSumSq_8u_C1_W7<true>(const Zev8u*, int, const Zev8u*, int, int, int);
+template IntSums ownSumSq_8u_V8<stat::C1, false>(const Zev8u*, int, const Zev8u*, int, int, int);
+template IntSums ownSumSq_8u_V8<stat::C1, true>(const Zev8u*, int, const Zev8u*, int, int, int);
+template IntSums ownSumSq_8u_V8<stat::C3C, false>(const Zev8u*, int, const Zev8u*, int, int, int);
+template IntSums ownSumSq_8u_V8<stat::C3C, true>(const Zev8u*, int, const Zev8u*, int, int, int);
 
 // Rows are cut into runs short enough for 32-bit row sums of 8-bit values
 // (and of 16-bit sums); squares of 16-bit values go to 64 bits at once.

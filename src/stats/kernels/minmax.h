@@ -77,10 +77,12 @@ struct MinMaxStage {
 template <class T, class L, bool Masked>
 MinMaxStage<T> ownMinMaxIndx_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height);
 
-// Vector forms of the one-channel 8u and 32f first stages.
-template <class T, bool Masked>
-MinMaxStage<T> ownMinMaxIndx_C1_W7_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
-                                     int height);
+// Vector forms of the first stage by 16-byte registers: 8u rows of one channel
+// or of one of three, 32f rows of one channel; and one-channel rows by 32-byte
+// registers where the processor has them.
+template <class T, class L, bool Masked>
+MinMaxStage<T> ownMinMaxIndx_V8_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
+                                  int height);
 template <class T, bool Masked>
 MinMaxStage<T> ownMinMaxIndx_C1_avx2_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
                                        int height);

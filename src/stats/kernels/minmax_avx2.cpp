@@ -6,7 +6,7 @@ namespace v8 {
 template <class T, bool Masked>
 MinMaxStage<T> ownMinMaxIndx_C1_avx2_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
                                        int height) {
-    return avx2::stage<32, T, Masked>(src, srcStep, mask, maskStep, width, height);
+    return avx2::stage<32, T, stat::C1, Masked>(src, srcStep, mask, maskStep, width, height);
 }
 
 template MinMaxStage<Zev8u> ownMinMaxIndx_C1_avx2_1<Zev8u, false>(const Zev8u*, int, const Zev8u*, int, int, int);

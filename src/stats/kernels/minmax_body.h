@@ -6,6 +6,7 @@
 
 #include "frame/kernels/simd.h"
 #include "stats/kernels/minmax.h"
+#include "stats/kernels/stat_pixels_body.h"
 
 namespace v8::ZEV_ISA {
 namespace {
@@ -43,7 +44,7 @@ inline int hmin(__m256i v) { return hmin(_mm_min_epu8(_mm256_castsi256_si128(v),
 inline int hmax(__m256i v) { return hmax(_mm_max_epu8(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1))); }
 #endif
 
-template <int Bytes, bool Masked>
+template <int Bytes, class L, bool Masked>
 MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Zev8u* mask, int maskStep, int width,
                                   int height) {
     using V = Reg<std::uint8_t, Bytes>;
@@ -55,7 +56,7 @@ MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Ze
         V lo0 = ones(V{}), lo1 = lo0, hi0 = zeros(V{}), hi1 = hi0;
         // An excluded byte becomes 255 for the minimum and 0 for the maximum.
         auto accumulate = [&](V& lo, V& hi, int x) {
-            V v = load<V>(p + x);
+            V v = loadPixels(p, x, L{}, V{});
             if constexpr (Masked) {
                 V off = isZero(load<V>(m + x));
                 lo = vmin(lo, orv(v, off));
@@ -65,19 +66,20 @@ MinMaxStage<std::uint8_t> stage8u(const std::uint8_t* src, int srcStep, const Ze
                 hi = vmax(hi, v);
             }
         };
+        const int vecEnd = width - kSparePixels<L>;
         int x = 0;
-        for (; x + 2 * Bytes <= width; x += 2 * Bytes) {
+        for (; x + 2 * Bytes <= vecEnd; x += 2 * Bytes) {
             accumulate(lo0, hi0, x);
             accumulate(lo1, hi1, x + Bytes);
         }
-        if (x + Bytes <= width) {
+        if (x + Bytes <= vecEnd) {
             accumulate(lo0, hi0, x);
             x += Bytes;
         }
         int rowMin = hmin(vmin(lo0, lo1)), rowMax = hmax(vmax(hi0, hi1));
         for (; x < width; ++x) {
             if (Masked && !m[x]) continue;
-            int v = p[x];
+            int v = p[x * L::ch];
             rowMin = v < rowMin ? v : rowMin;
             rowMax = v > rowMax ? v : rowMax;
         }
@@ -170,10 +172,10 @@ MinMaxStage<float> stage32f(const float* src, int srcStep, const Zev8u* mask, in
     return r;
 }
 
-template <int Bytes, class T, bool Masked>
+template <int Bytes, class T, class L, bool Masked>
 MinMaxStage<T> stage(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width, int height) {
     if constexpr (std::is_same_v<T, float>) return stage32f<Bytes, Masked>(src, srcStep, mask, maskStep, width, height);
-    else return stage8u<Bytes, Masked>(src, srcStep, mask, maskStep, width, height);
+    else return stage8u<Bytes, L, Masked>(src, srcStep, mask, maskStep, width, height);
 }
 
 }  // namespace

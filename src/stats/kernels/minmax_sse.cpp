@@ -3,16 +3,19 @@
 
 namespace v8 {
 
-template <class T, bool Masked>
-MinMaxStage<T> ownMinMaxIndx_C1_W7_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
-                                     int height) {
-    return sse::stage<16, T, Masked>(src, srcStep, mask, maskStep, width, height);
+template <class T, class L, bool Masked>
+MinMaxStage<T> ownMinMaxIndx_V8_1(const T* src, int srcStep, const Zev8u* mask, int maskStep, int width,
+                                  int height) {
+    return sse::stage<16, T, L, Masked>(src, srcStep, mask, maskStep, width, height);
 }
 
-template MinMaxStage<Zev8u> ownMinMaxIndx_C1_W7_1<Zev8u, false>(const Zev8u*, int, const Zev8u*, int, int, int);
-template MinMaxStage<Zev8u> ownMinMaxIndx_C1_W7_1<Zev8u, true>(const Zev8u*, int, const Zev8u*, int, int, int);
-template MinMaxStage<Zev32f> ownMinMaxIndx_C1_W7_1<Zev32f, false>(const Zev32f*, int, const Zev8u*, int, int, int);
-template MinMaxStage<Zev32f> ownMinMaxIndx_C1_W7_1<Zev32f, true>(const Zev32f*, int, const Zev8u*, int, int, int);
+#define ZEV_MINMAX_V8(T, L)                                                                                        \
+    template MinMaxStage<T> ownMinMaxIndx_V8_1<T, L, false>(const T*, int, const Zev8u*, int, int, int); \
+    template MinMaxStage<T> ownMinMaxIndx_V8_1<T, L, true>(const T*, int, const Zev8u*, int, int, int);
+ZEV_MINMAX_V8(Zev8u, stat::C1)
+ZEV_MINMAX_V8(Zev8u, stat::C3C)
+ZEV_MINMAX_V8(Zev32f, stat::C1)
+#undef ZEV_MINMAX_V8
 
 int ownFirstSelectedRow(const Zev8u* mask, int maskStep, int width, int height) {
     const __m128i z = _mm_setzero_si128();
