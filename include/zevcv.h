@@ -325,6 +325,104 @@ ZEVAPI ZevStatus zeviNormRel_L2_16u_C3CMR(const Zev16u* src1, int src1Step, cons
 ZEVAPI ZevStatus zeviNormRel_L2_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
                                           Zev64f* value);
+/* ---- mean and standard deviation of a region, one channel or one of three (coi);
+        stdDev and mean of zeviMean_StdDev_* may be null */
+
+ZEVAPI ZevStatus zeviMean_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                  ZeviSize roiSize, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                   ZeviSize roiSize, int coi, Zev64f* mean);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C1R(const Zev8u* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C3CR(const Zev8u* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C1R(const Zev8s* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C3CR(const Zev8s* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C1R(const Zev16u* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C3CR(const Zev16u* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C1R(const Zev32f* src, int srcStep, ZeviSize roiSize, Zev64f* mean,
+                                         Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C3CR(const Zev32f* src, int srcStep, ZeviSize roiSize, int coi,
+                                          Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, Zev64f* mean, Zev64f* stdDev);
+ZEVAPI ZevStatus zeviMean_StdDev_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           ZeviSize roiSize, int coi, Zev64f* mean, Zev64f* stdDev);
+
+/* ---- minimum and maximum with the first position of each (row-major); every output may be null */
+
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C1R(const Zev8u* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C3CR(const Zev8u* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C1R(const Zev8s* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C3CR(const Zev8s* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C1R(const Zev16u* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C3CR(const Zev16u* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C1R(const Zev32f* src, int srcStep, ZeviSize roiSize, Zev32f* minVal,
+                                        Zev32f* maxVal, ZeviPoint* minIndex, ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C3CR(const Zev32f* src, int srcStep, ZeviSize roiSize, int coi,
+                                         Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         ZeviSize roiSize, Zev32f* minVal, Zev32f* maxVal, ZeviPoint* minIndex,
+                                         ZeviPoint* maxIndex);
+ZEVAPI ZevStatus zeviMinMaxIndx_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                          ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
+                                          ZeviPoint* minIndex, ZeviPoint* maxIndex);
 
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
