@@ -176,6 +176,34 @@ int main(int argc, char** argv) {
     for (float x : fd) moving += x > 20.f;
     std::printf("      %zu of %zu pixels changed by more than 20 levels\n", moving, fd.size());
 
+    // 5. Statistics of the motion: mean and deviation of the difference, where it
+    // is largest, and how much the moving shapes changed (the L1 and L2 norms of
+    // the frame difference over the pixels that moved).
+    Zev64f mean = 0, dev = 0;
+    p.step("mean and deviation of the difference", [&] {
+        return zeviMean_StdDev_8u_C1R(diff.data(), diff.step(), roi, &mean, &dev);
+    });
+    std::printf("      mean %.3f, deviation %.3f\n", mean, dev);
+    Zev32f lo = 0, hi = 0;
+    ZeviPoint loAt{}, hiAt{};
+    p.step("extremes of the difference with positions", [&] {
+        return zeviMinMaxIndx_8u_C1R(diff.data(), diff.step(), roi, &lo, &hi, &loAt, &hiAt);
+    });
+    std::printf("      smallest %.0f at (%d, %d), largest %.0f at (%d, %d)\n", lo, loAt.x, loAt.y, hi, hiAt.x,
+                hiAt.y);
+    Image8 moved = Image8::make(roi.width, roi.height, 1);
+    for (std::size_t i = 0; i < moved.pixels.size(); ++i) moved.pixels[i] = diff.pixels[i] > 20 ? 255 : 0;
+    p.save("moved_mask", moved);
+    Zev64f l1 = 0, l2 = 0;
+    p.step("L1 and L2 norms of the change where it moved", [&] {
+        ZevStatus st = zeviNormDiff_L1_8u_C1MR(g1.data(), g1.step(), g2.data(), g2.step(), moved.data(),
+                                               moved.step(), roi, &l1);
+        if (st < 0) return st;
+        return zeviNormDiff_L2_8u_C1MR(g1.data(), g1.step(), g2.data(), g2.step(), moved.data(), moved.step(), roi,
+                                       &l2);
+    });
+    std::printf("      L1 %.0f, L2 %.1f\n", l1, l2);
+
     std::printf("done: pictures in %s/\n", outDir.c_str());
     return p.failures() ? 1 : 0;
 }
