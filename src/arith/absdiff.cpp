@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "arith/kernels/absdiff.h"
+#include "arith/region.h"
 #include "frame/bands.h"
 #include "frame/check.h"
 #include "frame/core.h"
@@ -11,10 +12,6 @@
 
 namespace v8 {
 namespace {
-
-// Regions of this many elements or more run in row bands on the thread budget;
-// the region opens even on one core.
-constexpr std::int64_t kParallelElements = 0x40000;
 
 // Bytes a kernel call touches, per element of its band, for the cache test.
 template <class T, bool Const>
@@ -26,22 +23,8 @@ bool streamStores(int width, int rows) {
     if constexpr (sizeof(T) == 1) {
         return false;
     } else {
-        int cacheBytes = 0;
-        zevGetMaxCacheSizeB(&cacheBytes);
-        std::int64_t touched = std::int64_t{kTouchedPerElement<T, Const>} * width * rows;
-        return !(touched < cacheBytes);
+        return beyondCache(std::int64_t{kTouchedPerElement<T, Const>} * width * rows);
     }
-}
-
-// The region, serially or in bands; run(yOffsetBand) calls the kernel on a band.
-template <class Run>
-void runRegion(int width, int height, Run run) {
-    std::int32_t elements = static_cast<std::int32_t>(std::int64_t{width} * height);
-    if (elements < kParallelElements) {
-        run(Band{0, 1, 0, height, height});
-        return;
-    }
-    forEachBand(ownGetNumThreads(), height, run);
 }
 
 template <class T>
