@@ -13,9 +13,6 @@
 namespace v8 {
 namespace {
 
-template <class Op>
-constexpr bool kTwoSources = std::is_same_v<Op, AccProduct>;
-
 // Bytes per pixel the masked product and weighted members weigh against the
 // cache before each kernel call; zero for the members without the test. The
 // figures are design constants, not exact byte counts.
@@ -45,14 +42,14 @@ template <class Op, class T, bool Masked>
 ZevStatus check(const AccumArgs<T>& a, ZeviSize roi) {
     Check c;
     c.ptrs(a.src1, a.acc);
-    if constexpr (kTwoSources<Op>) c.ptrs(a.src2);
+    if constexpr (kAccumTwoSources<Op>) c.ptrs(a.src2);
     if constexpr (Masked) c.ptrs(a.mask);
     c.roi(roi);
-    if constexpr (kTwoSources<Op>) sourceSteps<T>(c, roi.width, a.src1Step, a.src2Step);
+    if constexpr (kAccumTwoSources<Op>) sourceSteps<T>(c, roi.width, a.src1Step, a.src2Step);
     else sourceSteps<T>(c, roi.width, a.src1Step);
     if constexpr (Masked) c.step(a.maskStep, roi.width);
     c.step(a.accStep, rowBytes<Zev32f>(roi.width));
-    if constexpr (kTwoSources<Op>) accumulatorMultiple<T>(c, a.accStep, a.src1Step, a.src2Step);
+    if constexpr (kAccumTwoSources<Op>) accumulatorMultiple<T>(c, a.accStep, a.src1Step, a.src2Step);
     else accumulatorMultiple<T>(c, a.accStep, a.src1Step);
     return c;
 }

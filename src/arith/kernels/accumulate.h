@@ -17,6 +17,9 @@ struct AccSquare {};    // d = s * s + d
 struct AccProduct {};   // d = s1 * s2 + d
 struct AccWeighted {};  // d = (s - d) * alpha + d
 
+template <class Op>
+constexpr bool kAccumTwoSources = std::is_same_v<Op, AccProduct>;
+
 // One call's images. `acc` is read and `dst` written; both are the accumulator
 // for the in-place members. src2 is used by AccProduct only, mask when masked.
 template <class T>

@@ -144,9 +144,6 @@ struct Apply<AccWeighted> {
     static float one(float s1, float, float d, float alpha) { return (s1 - d) * alpha + d; }
 };
 
-template <class Op>
-constexpr bool kTwo = std::is_same_v<Op, AccProduct>;
-
 // One row's pointers.
 template <class T>
 struct Row {
@@ -162,7 +159,7 @@ inline void block(const Row<T>& r, int x, V alpha) {
     using L = Lanes<V>;
     V s1 = L::widen(r.s1 + x);
     V s2 = s1;
-    if constexpr (kTwo<Op>) s2 = L::widen(r.s2 + x);
+    if constexpr (kAccumTwoSources<Op>) s2 = L::widen(r.s2 + x);
     V off = s1;
     if constexpr (M) off = L::excluded(r.m + x);
     L::template put<Stream>(r.d + x, Apply<Op>::template vec<M>(s1, s2, L::loadAcc(r.acc + x), off, alpha));
@@ -192,7 +189,7 @@ inline void scalars(const Row<T>& r, int x, int end, float alpha) {
         if constexpr (M)
             if (r.m[x] == 0) continue;
         float s2 = 0.0f;
-        if constexpr (kTwo<Op>) s2 = static_cast<float>(r.s2[x]);
+        if constexpr (kAccumTwoSources<Op>) s2 = static_cast<float>(r.s2[x]);
         r.d[x] = Apply<Op>::one(static_cast<float>(r.s1[x]), s2, r.acc[x], alpha);
     }
 }
@@ -217,7 +214,7 @@ void accumulate(const AccumArgs<T>& a, int width, int height, bool useStream) {
         }
         const int end = x0 + ((width - x0) & ~3);
         bool aligned = aligned16(r.d + x0);
-        if constexpr (sizeof(T) == 4) aligned = aligned && aligned16(r.s1 + x0) && (!kTwo<Op> || aligned16(r.s2 + x0));
+        if constexpr (sizeof(T) == 4) aligned = aligned && aligned16(r.s1 + x0) && (!kAccumTwoSources<Op> || aligned16(r.s2 + x0));
         if (useStream && aligned) {
             blocks<Op, T, M, V, true>(r, x0, end, a.alpha);
             streamed = true;
