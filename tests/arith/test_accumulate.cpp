@@ -43,10 +43,6 @@ float excludedInBlock(float s2, float d) {
 // Vector blocks of a row: either from the row start, or after a scalar run up
 // to the accumulator's first 16-byte boundary; then whole groups of 4 pixels.
 template <class Op, class T, bool M>
-constexpr bool kBlocksFromRowStart =
-    M && (std::is_same_v<T, Zev32f> || std::is_same_v<Op, v8::AccProduct> || std::is_same_v<Op, v8::AccWeighted>);
-
-template <class Op, class T, bool M>
 std::pair<int, int> blockSpan(const float* rowStart, int w) {
     int first;
     if (kBlocksFromRowStart<Op, T, M>) {

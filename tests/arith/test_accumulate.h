@@ -34,6 +34,7 @@ struct Member {
     bool twoSources;   // the product
     bool masked;
     bool interleaved;  // 16u sources: source multiples judged before the other bounds
+    bool flatRows;     // vector blocks from the row start, whatever the alignment
     // Runs the exactness check of this member on one geometry (defined by the test).
     void (*exact)(const struct Member&, const struct Geometry&);
 };
@@ -62,6 +63,13 @@ void runKernel(Isa isa, const Call& c, bool useStream) {
 template <class Op, class T, bool M>
 void exactCheck(const Member& m, const Geometry& g);
 
+// Masked 32f members and the masked product and weighted step run their
+// vector blocks from the row start; all others first step pixel by pixel up to
+// the accumulator's first 16-byte boundary.
+template <class Op, class T, bool M>
+constexpr bool kBlocksFromRowStart =
+    M && (std::is_same_v<T, Zev32f> || std::is_same_v<Op, v8::AccProduct> || std::is_same_v<Op, v8::AccWeighted>);
+
 template <class Op, class T, bool M>
 Member member(const char* name, ZevStatus (*call)(const Call&)) {
     return Member{name,
@@ -71,6 +79,7 @@ Member member(const char* name, ZevStatus (*call)(const Call&)) {
                   std::is_same_v<Op, v8::AccProduct>,
                   M,
                   std::is_same_v<T, Zev16u>,
+                  kBlocksFromRowStart<Op, T, M>,
                   &exactCheck<Op, T, M>};
 }
 

@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <vector>
@@ -214,6 +215,105 @@ TEST(AccumulateEdges, SixteenBitSquareRoundsBeforeTheSum) {
     ASSERT_EQ(zeviAddSquare_16u32f_C1IR(s.ptr(), s.step(), d.ptr(), d.step(), d.size()), zevStsNoError);
     // 65535^2 = 4294836225 rounds to 4294836224 in single precision; + 1 is lost.
     for (float v : d.pixels()) EXPECT_EQ(v, 4294836224.0f);
+}
+
+// ---- images off their element alignment: the same bits as aligned copies,
+// for every member whose block positions do not follow the accumulator's
+// address (those without a mask, and those whose blocks start at the row).
+
+// A byte buffer holding h rows of rowBytes at a step, its origin `shift` bytes
+// past a 64-byte boundary, filled with a copy of the given bytes.
+struct Raw {
+    std::vector<std::uint8_t> mem;
+    std::uint8_t* origin;
+    int step;
+    Raw(const std::vector<std::uint8_t>& content, int rowBytes, int h, int shift) : step(rowBytes + 12) {
+        mem.assign(static_cast<std::size_t>(step) * h + 192, 0xA5);
+        std::uintptr_t p = reinterpret_cast<std::uintptr_t>(mem.data());
+        origin = mem.data() + ((64 - (p & 63)) & 63) + 64 + shift;
+        for (int y = 0; y < h; ++y)
+            std::memcpy(origin + static_cast<std::size_t>(y) * step, content.data() + static_cast<std::size_t>(y) * rowBytes,
+                        rowBytes);
+    }
+    std::vector<std::uint8_t> rows(int rowBytes, int h) const {
+        std::vector<std::uint8_t> v;
+        for (int y = 0; y < h; ++y)
+            v.insert(v.end(), origin + static_cast<std::size_t>(y) * step, origin + static_cast<std::size_t>(y) * step + rowBytes);
+        return v;
+    }
+};
+
+// Source bytes that read as ordinary values in every source type.
+std::vector<std::uint8_t> contentBytes(int count, zt::Rng& rng, int elemBytes) {
+    std::vector<std::uint8_t> v(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        v[i] = elemBytes == 4 && i % 4 == 3 ? static_cast<std::uint8_t>(0x40 + rng.next() % 8)
+                                            : static_cast<std::uint8_t>(rng.next());
+    return v;
+}
+
+ZevStatus runShifted(const Member& m, int w, int h, int shift, const std::vector<std::uint8_t>& a,
+                     const std::vector<std::uint8_t>& b, const std::vector<std::uint8_t>& mk,
+                     const std::vector<std::uint8_t>& acc, std::vector<std::uint8_t>& out) {
+    const int srcRow = w * m.srcBytes;
+    Raw ra(a, srcRow, h, shift), rb(b, srcRow, h, (shift + 1) % 4), rm(mk, w, h, shift), rd(acc, 4 * w, h, shift);
+    Call c;
+    c.s1 = ra.origin, c.s1Step = ra.step;
+    if (m.twoSources) c.s2 = rb.origin, c.s2Step = rb.step;
+    if (m.masked) c.mask = rm.origin, c.maskStep = rm.step;
+    c.d = reinterpret_cast<Zev32f*>(rd.origin), c.dStep = rd.step;
+    c.roi = ZeviSize{w, h};
+    c.alpha = 0.75f;
+    ZevStatus st = m.call(c);
+    out = rd.rows(4 * w, h);
+    return st;
+}
+
+class AccumulateByteShifted : public ::testing::TestWithParam<Member> {};
+
+TEST_P(AccumulateByteShifted, SameBitsAsAlignedCopies) {
+    const Member& m = GetParam();
+    zt::Rng rng(31);
+    for (int w : {1, 3, 4, 7, 16, 21}) {
+        const int h = 3;
+        auto a = contentBytes(w * m.srcBytes * h, rng, m.srcBytes), b = contentBytes(w * m.srcBytes * h, rng, m.srcBytes);
+        auto acc = contentBytes(4 * w * h, rng, 4), mk = contentBytes(w * h, rng, 1);
+        for (auto& v : mk) v = v % 3 == 0 ? 0 : v;
+        std::vector<std::uint8_t> aligned, shifted;
+        ASSERT_EQ(runShifted(m, w, h, 0, a, b, mk, acc, aligned), zevStsNoError);
+        for (int shift : {1, 2, 3}) {
+            ASSERT_EQ(runShifted(m, w, h, shift, a, b, mk, acc, shifted), zevStsNoError);
+            EXPECT_EQ(shifted, aligned) << m.name << " w=" << w << " shift=" << shift;
+        }
+    }
+}
+
+std::vector<Member> shiftableMembers() {
+    std::vector<Member> v;
+    for (const auto& m : allMembers())
+        if (!m.masked || m.flatRows) v.push_back(m);
+    return v;
+}
+
+INSTANTIATE_TEST_SUITE_P(Arith, AccumulateByteShifted, ::testing::ValuesIn(shiftableMembers()),
+                         [](const ::testing::TestParamInfo<Member>& i) { return std::string(i.param.name); });
+
+TEST(AddWeightedNotInPlace, ByteShiftedImagesGiveTheAlignedResult) {
+    zt::Rng rng(17);
+    for (int w : {1, 5, 16, 23}) {
+        const int h = 2, row = 4 * w;
+        auto a = contentBytes(row * h, rng, 4), b = contentBytes(row * h, rng, 4);
+        std::vector<std::uint8_t> zero(static_cast<std::size_t>(row) * h, 0), want;
+        for (int shift : {0, 1, 2, 3}) {
+            Raw ra(a, row, h, shift), rb(b, row, h, (shift + 2) % 4), rd(zero, row, h, (shift + 3) % 4);
+            ASSERT_EQ(zeviAddWeighted_32f_C1R(reinterpret_cast<const Zev32f*>(ra.origin), ra.step,
+                                              reinterpret_cast<const Zev32f*>(rb.origin), rb.step,
+                                              reinterpret_cast<Zev32f*>(rd.origin), rd.step, ZeviSize{w, h}, 0.4f),
+                      zevStsNoError);
+            if (shift == 0) want = rd.rows(row, h);
+            else EXPECT_EQ(rd.rows(row, h), want) << "w=" << w << " shift=" << shift;
+        }
+    }
 }
 
 // ---- dst = (src1 - src2) * alpha + src2, not in place

@@ -182,6 +182,15 @@ inline void blocks(const Row<T>& r, int x, int end, float alpha) {
     }
 }
 
+// Element access that makes no assumption on alignment: the scalar paths are
+// also the whole row for images off their element alignment.
+template <class T>
+inline float at(const T* p, int x) {
+    T v;
+    std::memcpy(&v, p + x, sizeof v);
+    return static_cast<float>(v);
+}
+
 // Pixel by pixel over [x, end); excluded pixels are left alone.
 template <class Op, class T, bool M>
 inline void scalars(const Row<T>& r, int x, int end, float alpha) {
@@ -189,8 +198,9 @@ inline void scalars(const Row<T>& r, int x, int end, float alpha) {
         if constexpr (M)
             if (r.m[x] == 0) continue;
         float s2 = 0.0f;
-        if constexpr (kAccumTwoSources<Op>) s2 = static_cast<float>(r.s2[x]);
-        r.d[x] = Apply<Op>::one(static_cast<float>(r.s1[x]), s2, r.acc[x], alpha);
+        if constexpr (kAccumTwoSources<Op>) s2 = at(r.s2, x);
+        const float v = Apply<Op>::one(at(r.s1, x), s2, at(r.acc, x), alpha);
+        std::memcpy(r.d + x, &v, sizeof v);
     }
 }
 
