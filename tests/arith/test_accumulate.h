@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <type_traits>
+#include <vector>
 
 #include "arith/kernels/accumulate.h"
 #include "zevcv.h"

@@ -231,14 +231,13 @@ struct Raw {
         mem.assign(static_cast<std::size_t>(step) * h + 192, 0xA5);
         std::uintptr_t p = reinterpret_cast<std::uintptr_t>(mem.data());
         origin = mem.data() + ((64 - (p & 63)) & 63) + 64 + shift;
-        for (int y = 0; y < h; ++y)
-            std::memcpy(origin + static_cast<std::size_t>(y) * step, content.data() + static_cast<std::size_t>(y) * rowBytes,
-                        rowBytes);
+        for (int y = 0; y < h; ++y) std::memcpy(row(y), content.data() + std::size_t(y) * rowBytes, rowBytes);
     }
+    std::uint8_t* row(int y) const { return origin + static_cast<std::size_t>(y) * step; }
     std::vector<std::uint8_t> rows(int rowBytes, int h) const {
         std::vector<std::uint8_t> v;
         for (int y = 0; y < h; ++y)
-            v.insert(v.end(), origin + static_cast<std::size_t>(y) * step, origin + static_cast<std::size_t>(y) * step + rowBytes);
+            v.insert(v.end(), row(y), row(y) + rowBytes);
         return v;
     }
 };
@@ -276,7 +275,8 @@ TEST_P(AccumulateByteShifted, SameBitsAsAlignedCopies) {
     zt::Rng rng(31);
     for (int w : {1, 3, 4, 7, 16, 21}) {
         const int h = 3;
-        auto a = contentBytes(w * m.srcBytes * h, rng, m.srcBytes), b = contentBytes(w * m.srcBytes * h, rng, m.srcBytes);
+        const int srcBytes = w * m.srcBytes * h;
+        auto a = contentBytes(srcBytes, rng, m.srcBytes), b = contentBytes(srcBytes, rng, m.srcBytes);
         auto acc = contentBytes(4 * w * h, rng, 4), mk = contentBytes(w * h, rng, 1);
         for (auto& v : mk) v = v % 3 == 0 ? 0 : v;
         std::vector<std::uint8_t> aligned, shifted;
@@ -385,7 +385,8 @@ TEST_P(AddWeightedNotInPlaceChecks, ChainOrderAndNothingWritten) {
 
 INSTANTIATE_TEST_SUITE_P(
     Arith, AddWeightedNotInPlaceChecks,
-    ::testing::Values(WeightedCheck{"valid, steps equal to the row", 32, 32, 32, 8, 2, false, false, false, zevStsNoError},
+    ::testing::Values(WeightedCheck{"valid, steps equal to the row", 32, 32, 32, 8, 2, false, false, false,
+                                    zevStsNoError},
                       WeightedCheck{"null first", 48, 48, 48, 8, 2, true, false, false, zevStsNullPointer},
                       WeightedCheck{"null second, zero width", 48, 48, 48, 0, 2, false, true, false,
                                     zevStsNullPointer},

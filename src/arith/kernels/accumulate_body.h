@@ -224,7 +224,8 @@ void accumulate(const AccumArgs<T>& a, int width, int height, bool useStream) {
         }
         const int end = x0 + ((width - x0) & ~3);
         bool aligned = aligned16(r.d + x0);
-        if constexpr (sizeof(T) == 4) aligned = aligned && aligned16(r.s1 + x0) && (!kAccumTwoSources<Op> || aligned16(r.s2 + x0));
+        if constexpr (sizeof(T) == 4)
+            aligned = aligned && aligned16(r.s1 + x0) && (!kAccumTwoSources<Op> || aligned16(r.s2 + x0));
         if (useStream && aligned) {
             blocks<Op, T, M, V, true>(r, x0, end, a.alpha);
             streamed = true;
