@@ -152,6 +152,179 @@ ZEVAPI ZevStatus zeviAbsDiffC_16u_C1R(const Zev16u* src, int srcStep, Zev16u* ds
 ZEVAPI ZevStatus zeviAbsDiffC_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
                                       ZeviSize roiSize, Zev32f value);
 
+/* ---- norms over the pixels a mask selects: of an image, of the difference of two
+ * images, and of that difference relative to the second image. C3CMR forms work on
+ * channel coi (1 to 3). A relative norm with a zero denominator returns
+ * zevStsZeroDenominator with NaN or an infinity in value. */
+
+ZEVAPI ZevStatus zeviNorm_Inf_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                     ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                     ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_8u_C1MR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                     ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_8s_C1MR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                     ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_16u_C1MR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_32f_C1MR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                        const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                        const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_8u_C1MR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                        const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_8s_C1MR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                        const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_16u_C1MR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_32f_C1MR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                        ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_Inf_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                        ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L1_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_8u_C3CMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_8s_C3CMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                      ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_16u_C3CMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNorm_L2_32f_C3CMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                       ZeviSize roiSize, int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2,
+                                            int src2Step, const Zev8u* mask, int maskStep, ZeviSize roiSize,
+                                            int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_Inf_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2,
+                                            int src2Step, const Zev8u* mask, int maskStep, ZeviSize roiSize,
+                                            int coi, Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L1_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormDiff_L2_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_Inf_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                           Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                         Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                         Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L1_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_8u_C3CMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                         Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_8s_C3CMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                         const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                         Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_16u_C3CMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
+ZEVAPI ZevStatus zeviNormRel_L2_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
+                                          Zev64f* value);
 /* ---- accumulators: d = s + d, s * s + d, s1 * s2 + d, (s - d) * alpha + d, in single precision */
 
 ZEVAPI ZevStatus zeviAdd_8u32f_C1IR(const Zev8u* src, int srcStep, Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);

@@ -13,18 +13,15 @@
 namespace v8 {
 namespace {
 
-// Bytes a kernel call touches, per element of its band, for the cache test.
+// Bytes a kernel call touches, per element of its band, for the cache test of
+// the wide types (8-bit images have none).
 template <class T, bool Const>
-constexpr int kTouchedPerElement = sizeof(T) == 1 ? 0 : (sizeof(T) == 2 ? 6 : (Const ? 8 : 12));
+constexpr int kTouchedPerElement = sizeof(T) == 2 ? 6 : (Const ? 8 : 12);
 
 // Writes go past the cache when the band's data would not fit in it anyway.
 template <class T, bool Const>
 bool streamStores(int width, int rows) {
-    if constexpr (sizeof(T) == 1) {
-        return false;
-    } else {
-        return beyondCache(std::int64_t{kTouchedPerElement<T, Const>} * width * rows);
-    }
+    return beyondCache(std::int64_t{kTouchedPerElement<T, Const>} * width * rows);
 }
 
 template <class T>
@@ -43,9 +40,11 @@ ZevStatus absDiff(const T* src1, int src1Step, const T* src2, int src2Step, T* d
         const T* a = b.rowPtr(src1, src1Step);
         const T* c = b.rowPtr(src2, src2Step);
         T* d = b.rowPtr(dst, dstStep);
-        if (streamStores<T, false>(roi.width, b.rows))
-            ownAbsDiffRows_W7<T, true>(a, src1Step, c, src2Step, d, dstStep, roi.width, b.rows);
-        else if (avx2)
+        if constexpr (sizeof(T) > 1) {
+            if (streamStores<T, false>(roi.width, b.rows))
+                return ownAbsDiffRows_W7<T, true>(a, src1Step, c, src2Step, d, dstStep, roi.width, b.rows);
+        }
+        if (avx2)
             ownAbsDiffRows_avx2<T>(a, src1Step, c, src2Step, d, dstStep, roi.width, b.rows);
         else
             ownAbsDiffRows_W7<T, false>(a, src1Step, c, src2Step, d, dstStep, roi.width, b.rows);
@@ -60,9 +59,11 @@ ZevStatus absDiffC(const T* src, int srcStep, T* dst, int dstStep, ZeviSize roi,
     runRegion(roi.width, roi.height, [&](const Band& b) {
         const T* a = b.rowPtr(src, srcStep);
         T* d = b.rowPtr(dst, dstStep);
-        if (streamStores<T, true>(roi.width, b.rows))
-            ownAbsDiffCRows_W7<T, true>(a, srcStep, d, dstStep, roi.width, b.rows, value);
-        else if (avx2)
+        if constexpr (sizeof(T) > 1) {
+            if (streamStores<T, true>(roi.width, b.rows))
+                return ownAbsDiffCRows_W7<T, true>(a, srcStep, d, dstStep, roi.width, b.rows, value);
+        }
+        if (avx2)
             ownAbsDiffCRows_avx2<T>(a, srcStep, d, dstStep, roi.width, b.rows, value);
         else
             ownAbsDiffCRows_W7<T, false>(a, srcStep, d, dstStep, roi.width, b.rows, value);

@@ -5,6 +5,9 @@
 
 #include <immintrin.h>
 
+// Vector types as template arguments drop their alignment attributes; harmless here.
+#pragma GCC diagnostic ignored "-Wignored-attributes"
+
 #include <cstdint>
 #include <type_traits>
 
