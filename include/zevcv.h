@@ -325,6 +325,7 @@ ZEVAPI ZevStatus zeviNormRel_L2_16u_C3CMR(const Zev16u* src1, int src1Step, cons
 ZEVAPI ZevStatus zeviNormRel_L2_32f_C3CMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
                                           const Zev8u* mask, int maskStep, ZeviSize roiSize, int coi,
                                           Zev64f* value);
+
 /* ---- accumulators: d = s + d, s * s + d, s1 * s2 + d, (s - d) * alpha + d, in single precision */
 
 ZEVAPI ZevStatus zeviAdd_8u32f_C1IR(const Zev8u* src, int srcStep, Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
