@@ -27,6 +27,8 @@ struct Call {
 
 enum class Isa { Sse, Avx2 };
 
+struct Geometry;
+
 struct Member {
     const char* name;
     ZevStatus (*call)(const Call&);
@@ -37,7 +39,7 @@ struct Member {
     bool interleaved;  // 16u sources: source multiples judged before the other bounds
     bool flatRows;     // vector blocks from the row start, whatever the alignment
     // Runs the exactness check of this member on one geometry (defined by the test).
-    void (*exact)(const struct Member&, const struct Geometry&);
+    void (*exact)(const Member&, const Geometry&);
 };
 
 struct Geometry {
