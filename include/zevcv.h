@@ -424,6 +424,75 @@ ZEVAPI ZevStatus zeviMinMaxIndx_32f_C3CMR(const Zev32f* src, int srcStep, const 
                                           ZeviSize roiSize, int coi, Zev32f* minVal, Zev32f* maxVal,
                                           ZeviPoint* minIndex, ZeviPoint* maxIndex);
 
+/* ---- accumulators: d = s + d, s * s + d, s1 * s2 + d, (s - d) * alpha + d, in single precision */
+
+ZEVAPI ZevStatus zeviAdd_8u32f_C1IR(const Zev8u* src, int srcStep, Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_8u32f_C1IMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep, Zev32f* srcDst,
+                                     int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_8s32f_C1IR(const Zev8s* src, int srcStep, Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_8s32f_C1IMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep, Zev32f* srcDst,
+                                     int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_16u32f_C1IR(const Zev16u* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                     ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_16u32f_C1IMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep, Zev32f* srcDst,
+                                      int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAdd_32f_C1IMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep, Zev32f* srcDst,
+                                   int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_8u32f_C1IR(const Zev8u* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                          ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_8u32f_C1IMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_8s32f_C1IR(const Zev8s* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                          ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_8s32f_C1IMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_16u32f_C1IR(const Zev16u* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                           ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_16u32f_C1IMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                            Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_32f_C1IR(const Zev32f* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                        ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddSquare_32f_C1IMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                         Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_8u32f_C1IR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                           Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_8u32f_C1IMR(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step,
+                                            const Zev8u* mask, int maskStep, Zev32f* srcDst, int srcDstStep,
+                                            ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_8s32f_C1IR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                           Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_8s32f_C1IMR(const Zev8s* src1, int src1Step, const Zev8s* src2, int src2Step,
+                                            const Zev8u* mask, int maskStep, Zev32f* srcDst, int srcDstStep,
+                                            ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_16u32f_C1IR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                            Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_16u32f_C1IMR(const Zev16u* src1, int src1Step, const Zev16u* src2, int src2Step,
+                                             const Zev8u* mask, int maskStep, Zev32f* srcDst, int srcDstStep,
+                                             ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_32f_C1IR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                         Zev32f* srcDst, int srcDstStep, ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddProduct_32f_C1IMR(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                          const Zev8u* mask, int maskStep, Zev32f* srcDst, int srcDstStep,
+                                          ZeviSize roiSize);
+ZEVAPI ZevStatus zeviAddWeighted_8u32f_C1IR(const Zev8u* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                            ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_8u32f_C1IMR(const Zev8u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                             Zev32f* srcDst, int srcDstStep, ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_8s32f_C1IR(const Zev8s* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                            ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_8s32f_C1IMR(const Zev8s* src, int srcStep, const Zev8u* mask, int maskStep,
+                                             Zev32f* srcDst, int srcDstStep, ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_16u32f_C1IR(const Zev16u* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                             ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_16u32f_C1IMR(const Zev16u* src, int srcStep, const Zev8u* mask, int maskStep,
+                                              Zev32f* srcDst, int srcDstStep, ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_32f_C1IR(const Zev32f* src, int srcStep, Zev32f* srcDst, int srcDstStep,
+                                          ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_32f_C1IMR(const Zev32f* src, int srcStep, const Zev8u* mask, int maskStep,
+                                           Zev32f* srcDst, int srcDstStep, ZeviSize roiSize, Zev32f alpha);
+ZEVAPI ZevStatus zeviAddWeighted_32f_C1R(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
+                                         Zev32f* dst, int dstStep, ZeviSize roiSize, Zev32f alpha);
+
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
 #ifdef __cplusplus

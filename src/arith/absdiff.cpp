@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "arith/kernels/absdiff.h"
+#include "arith/region.h"
 #include "frame/bands.h"
 #include "frame/check.h"
 #include "frame/core.h"
@@ -12,10 +13,6 @@
 namespace v8 {
 namespace {
 
-// Regions of this many elements or more run in row bands on the thread budget;
-// the region opens even on one core.
-constexpr std::int64_t kParallelElements = 0x40000;
-
 // Bytes a kernel call touches, per element of its band, for the cache test of
 // the wide types (8-bit images have none).
 template <class T, bool Const>
@@ -24,21 +21,7 @@ constexpr int kTouchedPerElement = sizeof(T) == 2 ? 6 : (Const ? 8 : 12);
 // Writes go past the cache when the band's data would not fit in it anyway.
 template <class T, bool Const>
 bool streamStores(int width, int rows) {
-    int cacheBytes = 0;
-    zevGetMaxCacheSizeB(&cacheBytes);
-    std::int64_t touched = std::int64_t{kTouchedPerElement<T, Const>} * width * rows;
-    return !(touched < cacheBytes);
-}
-
-// The region, serially or in bands; run(yOffsetBand) calls the kernel on a band.
-template <class Run>
-void runRegion(int width, int height, Run run) {
-    std::int32_t elements = static_cast<std::int32_t>(std::int64_t{width} * height);
-    if (elements < kParallelElements) {
-        run(Band{0, 1, 0, height, height});
-        return;
-    }
-    forEachBand(ownGetNumThreads(), height, run);
+    return beyondCache(std::int64_t{kTouchedPerElement<T, Const>} * width * rows);
 }
 
 template <class T>
