@@ -106,8 +106,6 @@ void registerAll() {
 #endif
 }
 
-// The family's binary has one main (with the absolute difference); these
-// register themselves before it runs.
-const bool registered = (registerAll(), true);
-
 }  // namespace
+
+ZEV_BENCH_MAIN(registerAll)
