@@ -15,6 +15,8 @@ template <class T, int Bytes>
 struct RegOf;
 template <class T>
 struct RegOf<T, 16> { using type = std::conditional_t<std::is_same_v<T, float>, __m128, __m128i>; };
+template <>
+struct RegOf<double, 16> { using type = __m128d; };
 #ifdef __AVX2__
 template <class T>
 struct RegOf<T, 32> { using type = std::conditional_t<std::is_same_v<T, float>, __m256, __m256i>; };
@@ -28,6 +30,8 @@ template <> inline __m128i load<__m128i>(const void* p) { return _mm_loadu_si128
 template <> inline __m128i loada<__m128i>(const void* p) { return _mm_load_si128(static_cast<const __m128i*>(p)); }
 template <> inline __m128 load<__m128>(const void* p) { return _mm_loadu_ps(static_cast<const float*>(p)); }
 template <> inline __m128 loada<__m128>(const void* p) { return _mm_load_ps(static_cast<const float*>(p)); }
+template <> inline __m128d load<__m128d>(const void* p) { return _mm_loadu_pd(static_cast<const double*>(p)); }
+template <> inline __m128d loada<__m128d>(const void* p) { return _mm_load_pd(static_cast<const double*>(p)); }
 
 inline void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 inline void storea(void* p, __m128i v) { _mm_store_si128(static_cast<__m128i*>(p), v); }
@@ -35,6 +39,9 @@ inline void stream(void* p, __m128i v) { _mm_stream_si128(static_cast<__m128i*>(
 inline void store(void* p, __m128 v) { _mm_storeu_ps(static_cast<float*>(p), v); }
 inline void storea(void* p, __m128 v) { _mm_store_ps(static_cast<float*>(p), v); }
 inline void stream(void* p, __m128 v) { _mm_stream_ps(static_cast<float*>(p), v); }
+inline void store(void* p, __m128d v) { _mm_storeu_pd(static_cast<double*>(p), v); }
+inline void storea(void* p, __m128d v) { _mm_store_pd(static_cast<double*>(p), v); }
+inline void stream(void* p, __m128d v) { _mm_stream_pd(static_cast<double*>(p), v); }
 
 // Low 8 bytes only.
 inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
@@ -44,6 +51,9 @@ template <class V, class T> V splat(T v);
 template <> inline __m128i splat<__m128i>(std::uint8_t v) { return _mm_set1_epi8(static_cast<char>(v)); }
 template <> inline __m128i splat<__m128i>(std::uint16_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
 template <> inline __m128 splat<__m128>(float v) { return _mm_set1_ps(v); }
+template <> inline __m128d splat<__m128d>(double v) { return _mm_set1_pd(v); }
+template <> inline __m128i splat<__m128i>(std::int16_t v) { return _mm_set1_epi16(v); }
+template <> inline __m128i splat<__m128i>(std::int32_t v) { return _mm_set1_epi32(v); }
 
 #ifdef __AVX2__
 template <> inline __m256i load<__m256i>(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }

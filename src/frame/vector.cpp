@@ -1,0 +1,127 @@
+// Vector primitives: element-wise minimum and maximum, scaling by a constant,
+// square root.
+#include <algorithm>
+#include <cstdint>
+
+#include "frame/bands.h"
+#include "frame/check.h"
+#include "frame/core.h"
+#include "frame/kernels/elementwise_ops.h"
+#include "frame/prims.h"
+
+namespace v8 {
+namespace {
+
+// Minimum and maximum: a zero length is an error, a negative one does nothing.
+template <class T, bool Max>
+ZevStatus minMaxEvery(const T* src1, const T* src2, T* dst, int len) {
+    ZevStatus st = Check().ptrs(src1, src2, dst).that(len != 0, zevStsBadSize);
+    if (st != zevStsNoError) return st;
+    kern::mapRow<false>(dst, len, kern::MinMaxEveryOp<T, Max>{}, src1, src2);
+    return zevStsNoError;
+}
+
+// Square root: long vectors split over at most two threads.
+constexpr int kSqrtParallelLength = 4096;
+
+void ownzevsSqrt_32f(const Zev32f* src, Zev32f* dst, int len) { kern::mapRow<false>(dst, len, kern::SqrtOp_32f{}, src); }
+
+void ownzevsSqrt_32f_omp(const Zev32f* src, Zev32f* dst, int len) {
+    const int budget = ownGetNumThreads();
+    if (budget > 1 && len >= budget)
+        forEachBand(std::min(2, budget), len, [&](const Band& b) { ownzevsSqrt_32f(src + b.y0, dst + b.y0, b.rows); });
+    else
+        ownzevsSqrt_32f(src, dst, len);
+}
+
+template <class Scale>
+void mulC16s(const Zev16s* src, Zev16s* dst, int len, Zev16s value, Scale scale) {
+    kern::mapRow<false>(dst, len, kern::MulCSfsOp_16s<Scale>(scale, value), src);
+}
+
+}  // namespace
+
+ZevStatus zevsMinEvery_8u(const Zev8u* src1, const Zev8u* src2, Zev8u* dst, int len) {
+    return minMaxEvery<Zev8u, false>(src1, src2, dst, len);
+}
+ZevStatus zevsMinEvery_16u(const Zev16u* src1, const Zev16u* src2, Zev16u* dst, int len) {
+    return minMaxEvery<Zev16u, false>(src1, src2, dst, len);
+}
+ZevStatus zevsMinEvery_32f(const Zev32f* src1, const Zev32f* src2, Zev32f* dst, int len) {
+    return minMaxEvery<Zev32f, false>(src1, src2, dst, len);
+}
+ZevStatus zevsMinEvery_64f(const Zev64f* src1, const Zev64f* src2, Zev64f* dst, int len) {
+    return minMaxEvery<Zev64f, false>(src1, src2, dst, len);
+}
+ZevStatus zevsMaxEvery_8u(const Zev8u* src1, const Zev8u* src2, Zev8u* dst, int len) {
+    return minMaxEvery<Zev8u, true>(src1, src2, dst, len);
+}
+ZevStatus zevsMaxEvery_16u(const Zev16u* src1, const Zev16u* src2, Zev16u* dst, int len) {
+    return minMaxEvery<Zev16u, true>(src1, src2, dst, len);
+}
+ZevStatus zevsMaxEvery_32f(const Zev32f* src1, const Zev32f* src2, Zev32f* dst, int len) {
+    return minMaxEvery<Zev32f, true>(src1, src2, dst, len);
+}
+ZevStatus zevsMaxEvery_64f(const Zev64f* src1, const Zev64f* src2, Zev64f* dst, int len) {
+    return minMaxEvery<Zev64f, true>(src1, src2, dst, len);
+}
+
+ZevStatus zevsMinEvery_8u_I(const Zev8u* src, Zev8u* srcDst, int len) { return zevsMinEvery_8u(src, srcDst, srcDst, len); }
+ZevStatus zevsMinEvery_16u_I(const Zev16u* src, Zev16u* srcDst, int len) {
+    return zevsMinEvery_16u(src, srcDst, srcDst, len);
+}
+ZevStatus zevsMinEvery_32f_I(const Zev32f* src, Zev32f* srcDst, int len) {
+    return zevsMinEvery_32f(src, srcDst, srcDst, len);
+}
+// Reports nothing: callers pass vectors they have just made. Null pointers and
+// lengths below 1 leave the call without effect.
+ZevStatus zevsMinEvery_64f_I(const Zev64f* src, Zev64f* srcDst, int len) {
+    if (src && srcDst && len > 0) kern::mapRow<false>(srcDst, len, kern::MinMaxEveryOp<Zev64f, false>{}, src, srcDst);
+    return zevStsNoError;
+}
+ZevStatus zevsMaxEvery_8u_I(const Zev8u* src, Zev8u* srcDst, int len) { return zevsMaxEvery_8u(src, srcDst, srcDst, len); }
+ZevStatus zevsMaxEvery_16u_I(const Zev16u* src, Zev16u* srcDst, int len) {
+    return zevsMaxEvery_16u(src, srcDst, srcDst, len);
+}
+ZevStatus zevsMaxEvery_32f_I(const Zev32f* src, Zev32f* srcDst, int len) {
+    return zevsMaxEvery_32f(src, srcDst, srcDst, len);
+}
+ZevStatus zevsMaxEvery_64f_I(const Zev64f* src, Zev64f* srcDst, int len) {
+    return zevsMaxEvery_64f(src, srcDst, srcDst, len);
+}
+
+ZevStatus zevsMulC_32f(const Zev32f* src, Zev32f* dst, int len, Zev32f value) {
+    ZevStatus st = Check().ptrs(src, dst).length(len);
+    if (st != zevStsNoError) return st;
+    kern::mapRow<false>(dst, len, kern::MulCOp_32f(value), src);
+    return zevStsNoError;
+}
+
+ZevStatus zevsMulC_16s_Sfs(const Zev16s* src, Zev16s* dst, int len, Zev16s value, int scaleFactor) {
+    ZevStatus st = Check().ptrs(src, dst).length(len);
+    if (st != zevStsNoError) return st;
+    // A product of two 16-bit values is below 2^30 in magnitude: past 30 the
+    // rounded quotient is 0.
+    if (value == 0 || scaleFactor > 30) return zevsZero_16s(dst, len);
+    if (scaleFactor == 0) {
+        if (value == 1) return zevsCopy_16s(src, dst, len);
+        mulC16s(src, dst, len, value, kern::ScaleNone_16s{});
+    } else if (scaleFactor < -15) {
+        mulC16s(src, dst, len, value, kern::ScaleBound_16s{});
+    } else if (scaleFactor < 0) {
+        mulC16s(src, dst, len, value, kern::ScaleNeg_16s(scaleFactor));
+    } else {
+        mulC16s(src, dst, len, value, kern::ScalePos_16s(scaleFactor));
+    }
+    return zevStsNoError;
+}
+
+ZevStatus zevsSqrt_32f(const Zev32f* src, Zev32f* dst, int len) {
+    ZevStatus st = Check().ptrs(src, dst).length(len);
+    if (st != zevStsNoError) return st;
+    if (len < kSqrtParallelLength) ownzevsSqrt_32f(src, dst, len);
+    else ownzevsSqrt_32f_omp(src, dst, len);
+    return zevStsNoError;
+}
+
+}  // namespace v8
