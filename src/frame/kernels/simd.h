@@ -10,7 +10,10 @@
 
 namespace v8::simd {
 
-// Register type holding elements of T, for a register width in bytes.
+// Register type holding elements of T, for a register width in bytes. (The
+// vector types' alignment attributes do not matter to a type choice.)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wignored-attributes"
 template <class T, int Bytes>
 struct RegOf;
 template <class T>
@@ -23,6 +26,7 @@ struct RegOf<T, 32> { using type = std::conditional_t<std::is_same_v<T, float>, 
 #endif
 template <class T, int Bytes>
 using Reg = typename RegOf<T, Bytes>::type;
+#pragma GCC diagnostic pop
 
 template <class V> V load(const void* p);    // any alignment
 template <class V> V loada(const void* p);   // aligned to the register width
