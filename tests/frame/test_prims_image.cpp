@@ -134,7 +134,8 @@ TEST_P(Sub8u, EveryScaleFactorRoundsTiesToEvenAndSaturates) {
     zt::Rng rng(11);
     for (int s = -10; s <= 11; ++s) {
         for (int w : zt::sweepWidths()) {
-            if (w > 40 && w != 129) continue;  // every tail; the long rows add nothing per factor
+            // Every tail after the aligned blocks; each call opens a region, so few long rows.
+            if (w > 20 && w != 31 && w != 33 && w != 47 && w != 129) continue;
             const int off = w % 3;
             Image<Zev8u> a(w, 2, ch, 1, off), b(w, 2, ch, 4, 0), d(w, 2, ch, 3, (off + 5) % 16);
             randomize(a, rng);
