@@ -43,30 +43,23 @@ ZevStatus setVector(T* dst, int len, T value) {
 
 }  // namespace
 
-ZevStatus zeviCopy_8u_C1R(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev8u, 1>(src, srcStep, dst, dstStep, roiSize);
-}
-ZevStatus zeviCopy_8u_C3R(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev8u, 3>(src, srcStep, dst, dstStep, roiSize);
-}
-ZevStatus zeviCopy_8u_C4R(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev8u, 4>(src, srcStep, dst, dstStep, roiSize);
-}
-ZevStatus zeviCopy_16s_C1R(const Zev16s* src, int srcStep, Zev16s* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev16s, 1>(src, srcStep, dst, dstStep, roiSize);
-}
+#define ZEV_COPY(T, tag, C)                                                                      \
+    ZevStatus zeviCopy_##tag##_C##C##R(const T* src, int srcStep, T* dst, int dstStep, ZeviSize roiSize) { \
+        return copyImage<T, C>(src, srcStep, dst, dstStep, roiSize);                             \
+    }
+ZEV_COPY(Zev8u, 8u, 1)
+ZEV_COPY(Zev8u, 8u, 3)
+ZEV_COPY(Zev8u, 8u, 4)
+ZEV_COPY(Zev16s, 16s, 1)
+ZEV_COPY(Zev32f, 32f, 1)
+ZEV_COPY(Zev32f, 32f, 3)
+ZEV_COPY(Zev32f, 32f, 4)
+#undef ZEV_COPY
+
+// The same bits either way: the unsigned copy is the signed one.
 ZevStatus zeviCopy_16u_C1R(const Zev16u* src, int srcStep, Zev16u* dst, int dstStep, ZeviSize roiSize) {
     return zeviCopy_16s_C1R(reinterpret_cast<const Zev16s*>(src), srcStep, reinterpret_cast<Zev16s*>(dst), dstStep,
                             roiSize);
-}
-ZevStatus zeviCopy_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev32f, 1>(src, srcStep, dst, dstStep, roiSize);
-}
-ZevStatus zeviCopy_32f_C3R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev32f, 3>(src, srcStep, dst, dstStep, roiSize);
-}
-ZevStatus zeviCopy_32f_C4R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep, ZeviSize roiSize) {
-    return copyImage<Zev32f, 4>(src, srcStep, dst, dstStep, roiSize);
 }
 
 ZevStatus zeviSet_8u_C1R(Zev8u* dst, int dstStep, ZeviSize roiSize, Zev8u value) {

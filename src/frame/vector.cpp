@@ -41,53 +41,36 @@ void mulC16s(const Zev16s* src, Zev16s* dst, int len, Zev16s value, Scale scale)
 
 }  // namespace
 
-ZevStatus zevsMinEvery_8u(const Zev8u* src1, const Zev8u* src2, Zev8u* dst, int len) {
-    return minMaxEvery<Zev8u, false>(src1, src2, dst, len);
-}
-ZevStatus zevsMinEvery_16u(const Zev16u* src1, const Zev16u* src2, Zev16u* dst, int len) {
-    return minMaxEvery<Zev16u, false>(src1, src2, dst, len);
-}
-ZevStatus zevsMinEvery_32f(const Zev32f* src1, const Zev32f* src2, Zev32f* dst, int len) {
-    return minMaxEvery<Zev32f, false>(src1, src2, dst, len);
-}
-ZevStatus zevsMinEvery_64f(const Zev64f* src1, const Zev64f* src2, Zev64f* dst, int len) {
-    return minMaxEvery<Zev64f, false>(src1, src2, dst, len);
-}
-ZevStatus zevsMaxEvery_8u(const Zev8u* src1, const Zev8u* src2, Zev8u* dst, int len) {
-    return minMaxEvery<Zev8u, true>(src1, src2, dst, len);
-}
-ZevStatus zevsMaxEvery_16u(const Zev16u* src1, const Zev16u* src2, Zev16u* dst, int len) {
-    return minMaxEvery<Zev16u, true>(src1, src2, dst, len);
-}
-ZevStatus zevsMaxEvery_32f(const Zev32f* src1, const Zev32f* src2, Zev32f* dst, int len) {
-    return minMaxEvery<Zev32f, true>(src1, src2, dst, len);
-}
-ZevStatus zevsMaxEvery_64f(const Zev64f* src1, const Zev64f* src2, Zev64f* dst, int len) {
-    return minMaxEvery<Zev64f, true>(src1, src2, dst, len);
-}
+#define ZEV_MIN_MAX_EVERY(Name, T, tag, isMax)                                             \
+    ZevStatus Name##_##tag(const T* src1, const T* src2, T* dst, int len) {                \
+        return minMaxEvery<T, isMax>(src1, src2, dst, len);                                \
+    }
+#define ZEV_MIN_MAX_EVERY_I(Name, T, tag)                                                  \
+    ZevStatus Name##_##tag##_I(const T* src, T* srcDst, int len) { return Name##_##tag(src, srcDst, srcDst, len); }
 
-ZevStatus zevsMinEvery_8u_I(const Zev8u* src, Zev8u* srcDst, int len) { return zevsMinEvery_8u(src, srcDst, srcDst, len); }
-ZevStatus zevsMinEvery_16u_I(const Zev16u* src, Zev16u* srcDst, int len) {
-    return zevsMinEvery_16u(src, srcDst, srcDst, len);
-}
-ZevStatus zevsMinEvery_32f_I(const Zev32f* src, Zev32f* srcDst, int len) {
-    return zevsMinEvery_32f(src, srcDst, srcDst, len);
-}
+ZEV_MIN_MAX_EVERY(zevsMinEvery, Zev8u, 8u, false)
+ZEV_MIN_MAX_EVERY(zevsMinEvery, Zev16u, 16u, false)
+ZEV_MIN_MAX_EVERY(zevsMinEvery, Zev32f, 32f, false)
+ZEV_MIN_MAX_EVERY(zevsMinEvery, Zev64f, 64f, false)
+ZEV_MIN_MAX_EVERY(zevsMaxEvery, Zev8u, 8u, true)
+ZEV_MIN_MAX_EVERY(zevsMaxEvery, Zev16u, 16u, true)
+ZEV_MIN_MAX_EVERY(zevsMaxEvery, Zev32f, 32f, true)
+ZEV_MIN_MAX_EVERY(zevsMaxEvery, Zev64f, 64f, true)
+ZEV_MIN_MAX_EVERY_I(zevsMinEvery, Zev8u, 8u)
+ZEV_MIN_MAX_EVERY_I(zevsMinEvery, Zev16u, 16u)
+ZEV_MIN_MAX_EVERY_I(zevsMinEvery, Zev32f, 32f)
+ZEV_MIN_MAX_EVERY_I(zevsMaxEvery, Zev8u, 8u)
+ZEV_MIN_MAX_EVERY_I(zevsMaxEvery, Zev16u, 16u)
+ZEV_MIN_MAX_EVERY_I(zevsMaxEvery, Zev32f, 32f)
+ZEV_MIN_MAX_EVERY_I(zevsMaxEvery, Zev64f, 64f)
+#undef ZEV_MIN_MAX_EVERY
+#undef ZEV_MIN_MAX_EVERY_I
+
 // Reports nothing: callers pass vectors they have just made. Null pointers and
 // lengths below 1 leave the call without effect.
 ZevStatus zevsMinEvery_64f_I(const Zev64f* src, Zev64f* srcDst, int len) {
     if (src && srcDst && len > 0) kern::mapRow<false>(srcDst, len, kern::MinMaxEveryOp<Zev64f, false>{}, src, srcDst);
     return zevStsNoError;
-}
-ZevStatus zevsMaxEvery_8u_I(const Zev8u* src, Zev8u* srcDst, int len) { return zevsMaxEvery_8u(src, srcDst, srcDst, len); }
-ZevStatus zevsMaxEvery_16u_I(const Zev16u* src, Zev16u* srcDst, int len) {
-    return zevsMaxEvery_16u(src, srcDst, srcDst, len);
-}
-ZevStatus zevsMaxEvery_32f_I(const Zev32f* src, Zev32f* srcDst, int len) {
-    return zevsMaxEvery_32f(src, srcDst, srcDst, len);
-}
-ZevStatus zevsMaxEvery_64f_I(const Zev64f* src, Zev64f* srcDst, int len) {
-    return zevsMaxEvery_64f(src, srcDst, srcDst, len);
 }
 
 ZevStatus zevsMulC_32f(const Zev32f* src, Zev32f* dst, int len, Zev32f value) {

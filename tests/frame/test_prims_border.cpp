@@ -42,6 +42,15 @@ void expectReplicated(const Image<T>& dst, const std::vector<T>& srcPixels, cons
             }
 }
 
+// Writes the source into the destination at its offsets; returns where it starts.
+template <class T, int C>
+T* placeSource(Image<T>& dst, const Image<T>& src, const Geometry& g) {
+    for (int y = 0; y < g.srcH; ++y)
+        for (int x = 0; x < g.srcW; ++x)
+            for (int c = 0; c < C; ++c) dst.at(x + g.left, y + g.top, c) = src.at(x, y, c);
+    return &dst.at(g.left, g.top);
+}
+
 template <class T, int C>
 void checkReplicate(ReplicateR<T, C> fn, ReplicateIR<T, C> fnI) {
     zt::Rng rng(41);
@@ -58,20 +67,14 @@ void checkReplicate(ReplicateR<T, C> fn, ReplicateIR<T, C> fnI) {
 
             // In place: the source already sits in the destination; its pointer is given.
             Image<T> both(g.dstW, g.dstH, C, 1, off);
-            for (int y = 0; y < g.srcH; ++y)
-                for (int x = 0; x < g.srcW; ++x)
-                    for (int c = 0; c < C; ++c) both.at(x + g.left, y + g.top, c) = src.at(x, y, c);
-            T* inner = &both.at(g.left, g.top);
+            T* inner = placeSource<T, C>(both, src, g);
             ASSERT_EQ(fnI(inner, both.step(), src.size(), both.size(), g.top, g.left), zevStsNoError);
             expectReplicated<T, C>(both, src.pixels(), g);
             ASSERT_TRUE(both.guardsIntact());
 
             // The R form given the source in its place does the same.
             Image<T> again(g.dstW, g.dstH, C, 1, off);
-            for (int y = 0; y < g.srcH; ++y)
-                for (int x = 0; x < g.srcW; ++x)
-                    for (int c = 0; c < C; ++c) again.at(x + g.left, y + g.top, c) = src.at(x, y, c);
-            T* at = &again.at(g.left, g.top);
+            T* at = placeSource<T, C>(again, src, g);
             ASSERT_EQ(fn(at, again.step(), src.size(), again.ptr(), again.step(), again.size(), g.top, g.left),
                       zevStsNoError);
             expectReplicated<T, C>(again, src.pixels(), g);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <vector>
@@ -270,22 +271,23 @@ void checkThresholdVal(ValFn<T> fn, ZeviSize sz, int off, T thr, T val, int cmp,
     ASSERT_TRUE(out.guardsIntact());
 }
 
-TEST(PrimsThreshold, Val8uBothComparesEveryTail) {
-    zt::Rng rng(13);
+// Both compares, thresholds at the ends and the middle of the range, every
+// tail, out of place and in place.
+template <class T>
+void sweepThresholdVal(ValFn<T> fn, std::initializer_list<T> thresholds, T value, std::uint32_t seed) {
+    zt::Rng rng(seed);
     for (int cmp : {v8::zevCmpLess, v8::zevCmpGreater})
-        for (Zev8u thr : {Zev8u{0}, Zev8u{127}, Zev8u{128}, Zev8u{255}})
+        for (T thr : thresholds)
             for (int w : zt::sweepWidths())
-                checkThresholdVal<Zev8u>(v8::zeviThreshold_Val_8u_C1R, ZeviSize{w, 2}, w % 3, thr, 77, cmp,
-                                         w % 2 == 0, rng);
+                checkThresholdVal<T>(fn, ZeviSize{w, 2}, w % 3, thr, value, cmp, w % 2 == 0, rng);
+}
+
+TEST(PrimsThreshold, Val8uBothComparesEveryTail) {
+    sweepThresholdVal<Zev8u>(v8::zeviThreshold_Val_8u_C1R, {0, 127, 128, 255}, 77, 13);
 }
 
 TEST(PrimsThreshold, Val16uBothComparesEveryTail) {
-    zt::Rng rng(17);
-    for (int cmp : {v8::zevCmpLess, v8::zevCmpGreater})
-        for (Zev16u thr : {Zev16u{0}, Zev16u{0x7fff}, Zev16u{0x8000}, Zev16u{0xffff}})
-            for (int w : zt::sweepWidths())
-                checkThresholdVal<Zev16u>(v8::zeviThreshold_Val_16u_C1R, ZeviSize{w, 2}, w % 3, thr, 4321, cmp,
-                                          w % 2 == 1, rng);
+    sweepThresholdVal<Zev16u>(v8::zeviThreshold_Val_16u_C1R, {0, 0x7fff, 0x8000, 0xffff}, 4321, 17);
 }
 
 // Bands open at 192 x 192 with more than one thread; the result must not move.
