@@ -7,7 +7,10 @@
 #include <random>
 #include <vector>
 
+#include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/vector_kernels.h"
 #include "frame/prims.h"
+#include "frame/kernels/simd.h"
 
 #ifdef ZEV_HAVE_OPENCV
 #include <opencv2/core.hpp>
@@ -101,6 +104,53 @@ void Sort64f(benchmark::State& st) {
         v8::zevsSortAscend_64f_I(w.data(), static_cast<int>(w.size()));
     }
 }
+
+// One row, in the first cache level: where the register width shows.
+template <class T, bool Wide>
+void RowMaxEvery(benchmark::State& st) {
+    const int n = static_cast<int>(st.range(0));
+    std::vector<T> a(n + 64), b(n + 64), d(n + 64);
+    std::mt19937 g(3);
+    for (int i = 0; i < n; ++i) a[i] = static_cast<T>(g() % 200), b[i] = static_cast<T>(g() % 200);
+    for (auto _ : st) {
+        if constexpr (Wide) v8::ownMinMaxEvery_avx2<T, true>(a.data() + 1, b.data() + 1, d.data() + 1, n);
+        else v8::kern::mapRow<false>(d.data() + 1, n, v8::kern::MinMaxEveryOp<T, true>{}, a.data() + 1, b.data() + 1);
+        benchmark::ClobberMemory();
+    }
+}
+template <bool Wide>
+void RowSub32f(benchmark::State& st) {
+    const int n = static_cast<int>(st.range(0));
+    std::vector<float> a(n, 2.0f), b(n, 1.0f), d(n);
+    for (auto _ : st) {
+        if constexpr (Wide) v8::ownSub_32f_avx2(a.data(), b.data(), d.data(), n);
+        else v8::kern::mapRow<false>(d.data(), n, v8::kern::SubOp_32f{}, a.data(), b.data());
+        benchmark::ClobberMemory();
+    }
+}
+// Short rows, out of step with each other: the block copy against memcpy.
+template <bool Lib>
+void RowCopy8u(benchmark::State& st) {
+    const int n = static_cast<int>(st.range(0));
+    std::vector<std::uint8_t> a(n + 64, 1), d(n + 64);
+    for (auto _ : st) {
+        if constexpr (Lib) v8::zevsCopy_8u(a.data() + 1, d.data() + 3, n);
+        else std::memcpy(d.data() + 3, a.data() + 1, n);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(RowMaxEvery<Zev8u, false>)->Arg(1920)->Arg(W * H);
+BENCHMARK(RowMaxEvery<Zev8u, true>)->Arg(1920)->Arg(W * H);
+BENCHMARK(RowMaxEvery<Zev32f, false>)->Arg(1920)->Arg(W * H);
+BENCHMARK(RowMaxEvery<Zev32f, true>)->Arg(1920)->Arg(W * H);
+BENCHMARK(RowMaxEvery<Zev16u, false>)->Arg(1920);
+BENCHMARK(RowMaxEvery<Zev16u, true>)->Arg(1920);
+BENCHMARK(RowMaxEvery<Zev64f, false>)->Arg(1920);
+BENCHMARK(RowMaxEvery<Zev64f, true>)->Arg(1920);
+BENCHMARK(RowSub32f<false>)->Arg(1920);
+BENCHMARK(RowSub32f<true>)->Arg(1920);
+BENCHMARK(RowCopy8u<false>)->Arg(1920)->Arg(100);
+BENCHMARK(RowCopy8u<true>)->Arg(1920)->Arg(100);
 
 BENCHMARK(Memcpy8u);
 BENCHMARK(Copy8u);

@@ -6,6 +6,8 @@
 #include "frame/check.h"
 #include "frame/core.h"
 #include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/simd.h"
+#include "frame/kernels/vector_kernels.h"
 #include "frame/prims.h"
 
 namespace v8 {
@@ -14,15 +16,15 @@ namespace {
 using kern::Plane;
 
 // Rows of a two-source operation on a static schedule of the thread budget, or
-// on the calling thread.
-template <class T, class Op>
+// on the calling thread; row(src1Row, src2Row, dstRow, width) does one row.
+template <class T, class Row>
 void subRows(const T* src1, int src1Step, const T* src2, int src2Step, T* dst, int dstStep, ZeviSize roi,
-             const Op& op, bool parallel) {
+             const Row& row, bool parallel) {
     Plane<const T> a{src1, src1Step}, b{src2, src2Step};
     Plane<T> d{dst, dstStep};
     const int w = roi.width;
 #pragma omp parallel for schedule(static) num_threads(ownGetNumThreads()) if (parallel)
-    for (int y = 0; y < roi.height; ++y) kern::mapRow<false>(d.row(y), w, op, a.row(y), b.row(y));
+    for (int y = 0; y < roi.height; ++y) row(a.row(y), b.row(y), d.row(y), w);
 }
 
 // Interleaved channels are one channel of channels times the width.
@@ -34,7 +36,10 @@ ZeviSize widen(ZeviSize roi, int channels) {
 template <class Scale>
 void subScaled(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step, Zev8u* dst, int dstStep,
                ZeviSize roi, Scale scale) {
-    subRows(src1, src1Step, src2, src2Step, dst, dstStep, roi, kern::SubSfsOp_8u<Scale>{scale}, true);
+    const kern::SubSfsOp_8u<Scale> op{scale};
+    subRows(
+        src1, src1Step, src2, src2Step, dst, dstStep, roi,
+        [&](const Zev8u* a, const Zev8u* b, Zev8u* d, int w) { kern::mapRow<false>(d, w, op, a, b); }, true);
 }
 
 ZevStatus sub8uChannels(const Zev8u* src1, int src1Step, const Zev8u* src2, int src2Step, Zev8u* dst, int dstStep,
@@ -50,7 +55,13 @@ ZevStatus zeviSub_32f_C1R(const Zev32f* src1, int src1Step, const Zev32f* src2, 
     ZevStatus st = Check().ptrs(src1, src2, dst).roi(roiSize);
     if (st != zevStsNoError) return st;
     const bool parallel = std::int64_t{roiSize.width} + roiSize.height >= 256;
-    subRows(src1, src1Step, src2, src2Step, dst, dstStep, roiSize, kern::SubOp_32f{}, parallel);
+    if (simd::hasAvx2())
+        subRows(src1, src1Step, src2, src2Step, dst, dstStep, roiSize, ownSub_32f_avx2, parallel);
+    else
+        subRows(
+            src1, src1Step, src2, src2Step, dst, dstStep, roiSize,
+            [](const Zev32f* a, const Zev32f* b, Zev32f* d, int w) { kern::mapRow<false>(d, w, kern::SubOp_32f{}, a, b); },
+            parallel);
     return zevStsNoError;
 }
 ZevStatus zeviSub_32f_C3R(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step, Zev32f* dst,

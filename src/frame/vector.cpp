@@ -7,6 +7,8 @@
 #include "frame/check.h"
 #include "frame/core.h"
 #include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/simd.h"
+#include "frame/kernels/vector_kernels.h"
 #include "frame/prims.h"
 
 namespace v8 {
@@ -17,7 +19,8 @@ template <class T, bool Max>
 ZevStatus minMaxEvery(const T* src1, const T* src2, T* dst, int len) {
     ZevStatus st = Check().ptrs(src1, src2, dst).that(len != 0, zevStsBadSize);
     if (st != zevStsNoError) return st;
-    kern::mapRow<false>(dst, len, kern::MinMaxEveryOp<T, Max>{}, src1, src2);
+    if (simd::hasAvx2()) ownMinMaxEvery_avx2<T, Max>(src1, src2, dst, len);
+    else kern::mapRow<false>(dst, len, kern::MinMaxEveryOp<T, Max>{}, src1, src2);
     return zevStsNoError;
 }
 
@@ -69,7 +72,10 @@ ZEV_MIN_MAX_EVERY_I(zevsMaxEvery, Zev64f, 64f)
 // Reports nothing: callers pass vectors they have just made. Null pointers and
 // lengths below 1 leave the call without effect.
 ZevStatus zevsMinEvery_64f_I(const Zev64f* src, Zev64f* srcDst, int len) {
-    if (src && srcDst && len > 0) kern::mapRow<false>(srcDst, len, kern::MinMaxEveryOp<Zev64f, false>{}, src, srcDst);
+    if (src && srcDst && len > 0) {
+        if (simd::hasAvx2()) ownMinMaxEvery_avx2<Zev64f, false>(src, srcDst, srcDst, len);
+        else kern::mapRow<false>(srcDst, len, kern::MinMaxEveryOp<Zev64f, false>{}, src, srcDst);
+    }
     return zevStsNoError;
 }
 

@@ -61,13 +61,16 @@ TEST_P(CopyImage, CopiesEveryRowExactlyAndNothingElse) {
     zt::Rng rng(7);
     for (int w : zt::sweepWidths()) {
         for (int off : zt::sweepOffsets()) {
-            const int rowBytes = w * c.channels * c.elemBytes;
-            Image<std::uint8_t> src(rowBytes, 3, 1, 5 * c.elemBytes, off * c.elemBytes);
-            Image<std::uint8_t> dst(rowBytes, 3, 1, 2 * c.elemBytes, (off + 1) * c.elemBytes % 16);
-            randomize(src, rng);
-            ASSERT_EQ(c.fn(src.ptr(), src.step(), dst.ptr(), dst.step(), ZeviSize{w, 3}), zevStsNoError);
-            ASSERT_EQ(dst.pixels(), src.pixels()) << c.name << " width " << w << " offset " << off;
-            ASSERT_TRUE(dst.guardsIntact()) << c.name << " width " << w << " offset " << off;
+            // Destination in step with the source (aligned loads) and out of step with it.
+            for (int shift : {0, 1}) {
+                const int rowBytes = w * c.channels * c.elemBytes;
+                Image<std::uint8_t> src(rowBytes, 3, 1, 16, off * c.elemBytes);
+                Image<std::uint8_t> dst(rowBytes, 3, 1, 16 + shift, (off + shift) * c.elemBytes % 16);
+                randomize(src, rng);
+                ASSERT_EQ(c.fn(src.ptr(), src.step(), dst.ptr(), dst.step(), ZeviSize{w, 3}), zevStsNoError);
+                ASSERT_EQ(dst.pixels(), src.pixels()) << c.name << " width " << w << " offset " << off;
+                ASSERT_TRUE(dst.guardsIntact()) << c.name << " width " << w << " offset " << off;
+            }
         }
     }
 }

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "common/guarded.h"
+#include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/vector_kernels.h"
 #include "frame/prims.h"
 #include "prims_ref.h"
 
@@ -323,3 +325,66 @@ TEST(PrimsHelpers, RowMatrixAlignment) {
 }
 
 }  // namespace
+
+// ------------------------------------------------------------------ both instruction sets
+// The public routines take the AVX2 rows where the processor has them; the
+// SSSE3 rows must give the same bits, so both are run here on their own.
+namespace {
+
+template <class T, bool Max, bool Wide>
+void minMaxRow(const T* a, const T* b, T* d, int n) {
+    if constexpr (Wide) v8::ownMinMaxEvery_avx2<T, Max>(a, b, d, n);
+    else v8::kern::mapRow<false>(d, n, v8::kern::MinMaxEveryOp<T, Max>{}, a, b);
+}
+
+template <class T, bool Wide>
+void checkMinMaxRows() {
+    zt::Rng rng(73);
+    for (int len : zt::sweepWidths())
+        for (int off : zt::sweepOffsets()) {
+            Image<T> a = vec<T>(len, off), b = vec<T>(len, off + (len & 1)), d = vec<T>(len, off);
+            a.fill([&] { return randomElement<T>(rng); });
+            b.fill([&] { return randomElement<T>(rng); });
+            std::vector<T> pa = a.pixels(), pb = b.pixels(), lo(len), hi(len);
+            for (int i = 0; i < len; ++i) lo[i] = minRef(pa[i], pb[i]), hi[i] = maxRef(pa[i], pb[i]);
+            minMaxRow<T, false, Wide>(a.ptr(), b.ptr(), d.ptr(), len);
+            ASSERT_TRUE(zt::sameBits(d.pixels(), lo)) << "min, length " << len << " offset " << off;
+            minMaxRow<T, true, Wide>(a.ptr(), b.ptr(), d.ptr(), len);
+            ASSERT_TRUE(zt::sameBits(d.pixels(), hi)) << "max, length " << len << " offset " << off;
+            ASSERT_TRUE(d.guardsIntact());
+        }
+}
+
+template <bool Wide>
+void checkSubRows() {
+    zt::Rng rng(79);
+    for (int len : zt::sweepWidths()) {
+        Image<Zev32f> a = vec<Zev32f>(len, len % 4), b = vec<Zev32f>(len, 0), d = vec<Zev32f>(len, 1);
+        a.fill([&] { return randomElement<Zev32f>(rng); });
+        b.fill([&] { return randomElement<Zev32f>(rng); });
+        if constexpr (Wide) v8::ownSub_32f_avx2(a.ptr(), b.ptr(), d.ptr(), len);
+        else v8::kern::mapRow<false>(d.ptr(), len, v8::kern::SubOp_32f{}, a.ptr(), b.ptr());
+        std::vector<Zev32f> pa = a.pixels(), pb = b.pixels(), want(len);
+        for (int i = 0; i < len; ++i) want[i] = pb[i] - pa[i];
+        ASSERT_TRUE(zt::sameBits(d.pixels(), want)) << "length " << len;
+        ASSERT_TRUE(d.guardsIntact());
+    }
+}
+
+template <bool Wide>
+void checkAllRows() {
+    checkMinMaxRows<Zev8u, Wide>();
+    checkMinMaxRows<Zev16u, Wide>();
+    checkMinMaxRows<Zev32f, Wide>();
+    checkMinMaxRows<Zev64f, Wide>();
+    checkSubRows<Wide>();
+}
+
+}  // namespace
+
+TEST(PrimsRows, Ssse3RowsMatchTheReference) { checkAllRows<false>(); }
+
+TEST(PrimsRows, Avx2RowsMatchTheReference) {
+    if (!v8::simd::hasAvx2()) GTEST_SKIP() << "no AVX2 on this processor";
+    checkAllRows<true>();
+}

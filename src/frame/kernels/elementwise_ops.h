@@ -10,6 +10,7 @@
 #include "zevcv.h"
 
 namespace v8::kern {
+inline namespace ZEV_KERN_ISA {
 
 // ---------------------------------------------------------------- scale rule
 // p / 2^s rounded to nearest, ties to even, for s >= 1. The sum stays inside 32
@@ -88,6 +89,14 @@ struct MinMaxEveryOp {
     }
     __m128 vec(__m128 a, __m128 b) const { return Max ? _mm_max_ps(a, b) : _mm_min_ps(a, b); }
     __m128d vec(__m128d a, __m128d b) const { return Max ? _mm_max_pd(a, b) : _mm_min_pd(a, b); }
+#ifdef __AVX2__
+    __m256i vec(__m256i a, __m256i b) const {
+        if constexpr (sizeof(T) == 1) return Max ? _mm256_max_epu8(a, b) : _mm256_min_epu8(a, b);
+        else return Max ? _mm256_max_epu16(a, b) : _mm256_min_epu16(a, b);
+    }
+    __m256 vec(__m256 a, __m256 b) const { return Max ? _mm256_max_ps(a, b) : _mm256_min_ps(a, b); }
+    __m256d vec(__m256d a, __m256d b) const { return Max ? _mm256_max_pd(a, b) : _mm256_min_pd(a, b); }
+#endif
     T one(T a, T b) const { return (Max ? a > b : a < b) ? a : b; }
 };
 
@@ -95,6 +104,9 @@ struct MinMaxEveryOp {
 // dst = src2 - src1.
 struct SubOp_32f {
     __m128 vec(__m128 a, __m128 b) const { return _mm_sub_ps(b, a); }
+#ifdef __AVX2__
+    __m256 vec(__m256 a, __m256 b) const { return _mm256_sub_ps(b, a); }
+#endif
     float one(float a, float b) const { return b - a; }
 };
 
@@ -226,4 +238,5 @@ struct MulCSfsOp_16s {
     std::int16_t one(std::int16_t a) const { return saturate<std::int16_t>(scale.one(int{a} * v)); }
 };
 
+}  // namespace ZEV_KERN_ISA
 }  // namespace v8::kern

@@ -13,7 +13,16 @@
 
 #include "frame/kernels/simd.h"
 
+// Files built for AVX2 get their own copies of these inline kernels, so that
+// the linker never hands an SSSE3 caller a copy compiled with wider instructions.
+#if defined(__AVX2__)
+#define ZEV_KERN_ISA avx2
+#else
+#define ZEV_KERN_ISA sse
+#endif
+
 namespace v8::kern {
+inline namespace ZEV_KERN_ISA {
 
 template <class T>
 inline T* byteOffset(T* p, std::ptrdiff_t bytes) {
@@ -41,11 +50,11 @@ inline V loadAs(const void* p) {
     else return simd::load<V>(p);
 }
 
-// Whole registers from element i on, stores aligned; returns where it stopped.
-template <bool Aligned, bool Stream, class D, class Op, class... S>
+// Whole registers of Bytes from element i on, stores aligned; returns where it stopped.
+template <int Bytes, bool Aligned, bool Stream, class D, class Op, class... S>
 inline int alignedBlocks(D* d, int i, int n, const Op& op, const S*... s) {
-    using V = simd::Reg<D, 16>;
-    constexpr int E = 16 / static_cast<int>(sizeof(D));
+    using V = simd::Reg<D, Bytes>;
+    constexpr int E = Bytes / static_cast<int>(sizeof(D));
     for (; i <= n - 2 * E; i += 2 * E) {
         V r0 = op.vec(loadAs<Aligned, V>(s + i)...);
         V r1 = op.vec(loadAs<Aligned, V>(s + i + E)...);
@@ -57,23 +66,25 @@ inline int alignedBlocks(D* d, int i, int n, const Op& op, const S*... s) {
 }
 
 // One row of n elements: d[i] = op(s[i]...). The functor's vec() takes and
-// gives 16-byte registers, its one() single elements.
-template <bool Stream, class D, class Op, class... S>
+// gives registers of Bytes (16, or 32 in AVX2 files, which then also need the
+// 16-byte form for the short remainder), its one() single elements.
+template <bool Stream, int Bytes = 16, class D, class Op, class... S>
 inline void mapRow(D* d, int n, const Op& op, const S*... s) {
-    using V = simd::Reg<D, 16>;
-    constexpr int E = 16 / static_cast<int>(sizeof(D));
+    constexpr int E = Bytes / static_cast<int>(sizeof(D));
     const std::uintptr_t a = reinterpret_cast<std::uintptr_t>(d);
     int i = 0;
     if (a % sizeof(D) == 0) {
-        int head = static_cast<int>(((16 - (a & 15)) & 15) / sizeof(D));
+        int head = static_cast<int>(((Bytes - (a & (Bytes - 1))) & (Bytes - 1)) / sizeof(D));
         if (head > n) head = n;
         for (; i < head; ++i) d[i] = op.one(s[i]...);
-        if (((reinterpret_cast<std::uintptr_t>(s + i) | ... | std::uintptr_t{0}) & 15) == 0)
-            i = alignedBlocks<true, Stream>(d, i, n, op, s...);
+        if (((reinterpret_cast<std::uintptr_t>(s + i) | ... | std::uintptr_t{0}) & (Bytes - 1)) == 0)
+            i = alignedBlocks<Bytes, true, Stream>(d, i, n, op, s...);
         else
-            i = alignedBlocks<false, Stream>(d, i, n, op, s...);
+            i = alignedBlocks<Bytes, false, Stream>(d, i, n, op, s...);
+        if constexpr (Bytes > 16) i = alignedBlocks<16, false, Stream>(d, i, n, op, s...);
     } else {
         // The destination is not even element-aligned: no boundary to reach.
+        using V = simd::Reg<D, Bytes>;
         for (; i <= n - E; i += E) simd::store(d + i, op.vec(simd::load<V>(s + i)...));
     }
     for (; i < n; ++i) d[i] = op.one(s[i]...);
@@ -90,7 +101,8 @@ inline void mapRows(Plane<D> d, int width, int height, const Op& op, Plane<const
 
 template <class T>
 struct CopyOp {
-    simd::Reg<T, 16> vec(simd::Reg<T, 16> a) const { return a; }
+    template <class V>
+    V vec(V a) const { return a; }
     T one(T a) const { return a; }
 };
 
@@ -103,4 +115,5 @@ struct FillOp {
     T one() const { return value; }
 };
 
+}  // namespace ZEV_KERN_ISA
 }  // namespace v8::kern

@@ -23,6 +23,8 @@ struct RegOf<double, 16> { using type = __m128d; };
 #ifdef __AVX2__
 template <class T>
 struct RegOf<T, 32> { using type = std::conditional_t<std::is_same_v<T, float>, __m256, __m256i>; };
+template <>
+struct RegOf<double, 32> { using type = __m256d; };
 #endif
 template <class T, int Bytes>
 using Reg = typename RegOf<T, Bytes>::type;
@@ -70,6 +72,11 @@ inline void stream(void* p, __m256i v) { _mm256_stream_si256(static_cast<__m256i
 inline void store(void* p, __m256 v) { _mm256_storeu_ps(static_cast<float*>(p), v); }
 inline void storea(void* p, __m256 v) { _mm256_store_ps(static_cast<float*>(p), v); }
 inline void stream(void* p, __m256 v) { _mm256_stream_ps(static_cast<float*>(p), v); }
+template <> inline __m256d load<__m256d>(const void* p) { return _mm256_loadu_pd(static_cast<const double*>(p)); }
+template <> inline __m256d loada<__m256d>(const void* p) { return _mm256_load_pd(static_cast<const double*>(p)); }
+inline void store(void* p, __m256d v) { _mm256_storeu_pd(static_cast<double*>(p), v); }
+inline void storea(void* p, __m256d v) { _mm256_store_pd(static_cast<double*>(p), v); }
+inline void stream(void* p, __m256d v) { _mm256_stream_pd(static_cast<double*>(p), v); }
 template <> inline __m256i splat<__m256i>(std::uint8_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
 template <> inline __m256i splat<__m256i>(std::uint16_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
 template <> inline __m256 splat<__m256>(float v) { return _mm256_set1_ps(v); }
