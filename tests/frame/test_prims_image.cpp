@@ -13,7 +13,7 @@
 #include "common/guarded.h"
 #include "frame/kernels/elementwise_ops.h"
 #include "frame/prims.h"
-#include "prims_ref.h"
+#include "test_prims_ref.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "frame/kernels/elementwise_ops.h"
 #include "frame/kernels/vector_kernels.h"
 #include "frame/prims.h"
-#include "prims_ref.h"
+#include "test_prims_ref.h"
 
 namespace {
 
