@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "frame/kernels/elementwise_ops.h"
-#include "frame/kernels/vector_kernels.h"
+#include "frame/kernels/rows_avx2.h"
 #include "frame/prims.h"
 #include "frame/kernels/simd.h"
 
@@ -128,6 +128,40 @@ void RowSub32f(benchmark::State& st) {
         benchmark::ClobberMemory();
     }
 }
+template <class T, bool Wide>
+void RowThresholdVal(benchmark::State& st) {
+    const int n = static_cast<int>(st.range(0));
+    std::vector<T> a(n + 64), d(n + 64);
+    std::mt19937 g(4);
+    for (auto& x : a) x = static_cast<T>(g());
+    const T thr = static_cast<T>(100);
+    for (auto _ : st) {
+        if constexpr (Wide)
+            v8::ownThresholdValRows_avx2<T, true, false>(a.data() + 1, n, d.data() + 1, n, n, 1, thr, 0);
+        else
+            v8::kern::mapRow<false>(d.data() + 1, n, v8::kern::ThresholdValOp<T, true>(thr, 0), a.data() + 1);
+        benchmark::ClobberMemory();
+    }
+}
+template <bool Wide>
+void RowThreshold32f(benchmark::State& st) {
+    const int n = static_cast<int>(st.range(0));
+    std::vector<float> a(n + 64), d(n + 64);
+    std::mt19937 g(4);
+    for (auto& x : a) x = static_cast<float>(g() % 1000);
+    for (auto _ : st) {
+        if constexpr (Wide) v8::ownThresholdRows_32f_avx2<true>(a.data() + 1, n, d.data() + 1, n, n, 1, 500.f);
+        else v8::kern::mapRow<false>(d.data() + 1, n, v8::kern::ThresholdOp_32f<true>(500.f), a.data() + 1);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(RowThresholdVal<Zev8u, false>)->Arg(1920);
+BENCHMARK(RowThresholdVal<Zev8u, true>)->Arg(1920);
+BENCHMARK(RowThresholdVal<Zev16u, false>)->Arg(1920);
+BENCHMARK(RowThresholdVal<Zev16u, true>)->Arg(1920);
+BENCHMARK(RowThreshold32f<false>)->Arg(1920);
+BENCHMARK(RowThreshold32f<true>)->Arg(1920);
+
 // Short rows, out of step with each other: the block copy against memcpy.
 template <bool Lib>
 void RowCopy8u(benchmark::State& st) {

@@ -5,6 +5,8 @@
 #include "frame/check.h"
 #include "frame/core.h"
 #include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/rows_avx2.h"
+#include "frame/kernels/simd.h"
 #include "frame/prims.h"
 
 namespace v8 {
@@ -23,9 +25,25 @@ ZevStatus checkValArgs(const T* src, int srcStep, T* dst, int dstStep, ZeviSize 
         .positiveSteps(srcStep, dstStep);
 }
 
-template <bool Stream, class T, class Op>
-void serialRows(const T* src, int srcStep, T* dst, int dstStep, ZeviSize roi, const Op& op) {
-    kern::mapRows<Stream>(Plane<T>{dst, dstStep}, roi.width, roi.height, op, Plane<const T>{src, srcStep});
+// The rows of a region on the calling thread, in AVX2 registers where the
+// processor has them.
+template <bool Stream, class T, bool Greater>
+void serialRows(const T* src, int srcStep, T* dst, int dstStep, ZeviSize roi,
+                const kern::ThresholdValOp<T, Greater>& op) {
+    if (simd::hasAvx2())
+        ownThresholdValRows_avx2<T, Greater, Stream>(src, srcStep, dst, dstStep, roi.width, roi.height, op.thr,
+                                                     op.val);
+    else
+        kern::mapRows<Stream>(Plane<T>{dst, dstStep}, roi.width, roi.height, op, Plane<const T>{src, srcStep});
+}
+template <bool Greater>
+void serialRows(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep, ZeviSize roi,
+                const kern::ThresholdOp_32f<Greater>& op) {
+    if (simd::hasAvx2())
+        ownThresholdRows_32f_avx2<Greater>(src, srcStep, dst, dstStep, roi.width, roi.height, op.thr);
+    else
+        kern::mapRows<false>(Plane<Zev32f>{dst, dstStep}, roi.width, roi.height, op,
+                             Plane<const Zev32f>{src, srcStep});
 }
 
 // Large images of the 16-bit routine: stores go past the cache when the data
@@ -107,9 +125,9 @@ ZevStatus zeviThreshold_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int
                        .that(knownCompare(cmpOp), zevStsUnsupportedCompare);
     if (st != zevStsNoError) return st;
     if (cmpOp == zevCmpGreater)
-        serialRows<false>(src, srcStep, dst, dstStep, roiSize, kern::ThresholdOp_32f<true>(threshold));
+        serialRows(src, srcStep, dst, dstStep, roiSize, kern::ThresholdOp_32f<true>(threshold));
     else
-        serialRows<false>(src, srcStep, dst, dstStep, roiSize, kern::ThresholdOp_32f<false>(threshold));
+        serialRows(src, srcStep, dst, dstStep, roiSize, kern::ThresholdOp_32f<false>(threshold));
     return zevStsNoError;
 }
 

@@ -8,7 +8,7 @@
 #include "frame/core.h"
 #include "frame/kernels/elementwise_ops.h"
 #include "frame/kernels/simd.h"
-#include "frame/kernels/vector_kernels.h"
+#include "frame/kernels/rows_avx2.h"
 #include "frame/prims.h"
 
 namespace v8 {

@@ -12,6 +12,7 @@
 
 #include "common/guarded.h"
 #include "frame/kernels/elementwise_ops.h"
+#include "frame/kernels/rows_avx2.h"
 #include "frame/prims.h"
 #include "test_prims_ref.h"
 
@@ -305,22 +306,72 @@ TEST(PrimsThreshold, Val16uBandsDoNotChangeTheResult) {
         }
 }
 
-// The past-the-cache stores only show on images larger than the cache; the
-// streaming rows are checked here directly.
-TEST(PrimsThreshold, StreamingRowsGiveTheSameBits) {
+// The public routines take the AVX2 rows where the processor has them, and
+// stores past the cache only on images larger than the cache: every row kernel
+// (SSSE3 and AVX2, plain and streaming) is run here on its own.
+template <bool Wide, bool Stream, class T, bool Greater>
+void runValRows(Image<T>& src, Image<T>& dst, T thr, T val) {
+    if constexpr (Wide)
+        v8::ownThresholdValRows_avx2<T, Greater, Stream>(src.ptr(), src.step(), dst.ptr(), dst.step(), src.width(),
+                                                         src.height(), thr, val);
+    else
+        v8::kern::mapRows<Stream>(v8::kern::Plane<T>{dst.ptr(), dst.step()}, src.width(), src.height(),
+                                  v8::kern::ThresholdValOp<T, Greater>(thr, val),
+                                  v8::kern::Plane<const T>{src.ptr(), src.step()});
+}
+
+template <bool Wide, bool Stream, class T, bool Greater>
+void checkValRows(T thr, T val) {
     zt::Rng rng(23);
     for (int w : zt::sweepWidths())
         for (int off : zt::sweepOffsets()) {
-            Image<Zev16u> src(w, 3, 1, 1, off), dst(w, 3, 1, 5, (off * 7) % 8);
+            Image<T> src(w, 3, 1, 1, off), dst(w, 3, 1, 5, (off * 7) % 8);
             randomize(src, rng);
-            v8::kern::mapRows<true>(v8::kern::Plane<Zev16u>{dst.ptr(), dst.step()}, w, 3,
-                                    v8::kern::ThresholdValOp<Zev16u, true>(999, 1),
-                                    v8::kern::Plane<const Zev16u>{src.ptr(), src.step()});
-            std::vector<Zev16u> in = src.pixels(), want(in.size());
-            for (std::size_t i = 0; i < in.size(); ++i) want[i] = thresholdValRef<Zev16u>(in[i], 999, 1, true);
-            ASSERT_EQ(dst.pixels(), want) << "width " << w;
+            runValRows<Wide, Stream, T, Greater>(src, dst, thr, val);
+            std::vector<T> in = src.pixels(), want(in.size());
+            for (std::size_t i = 0; i < in.size(); ++i) want[i] = thresholdValRef<T>(in[i], thr, val, Greater);
+            ASSERT_EQ(dst.pixels(), want) << "width " << w << " offset " << off;
             ASSERT_TRUE(dst.guardsIntact());
         }
+}
+
+template <bool Wide, bool Greater>
+void check32fRows(float thr) {
+    zt::Rng rng(37);
+    for (int w : zt::sweepWidths()) {
+        Image<Zev32f> src(w, 2, 1, 1, w % 4), dst(w, 2, 1, 2, 1);
+        randomize(src, rng);
+        if constexpr (Wide)
+            v8::ownThresholdRows_32f_avx2<Greater>(src.ptr(), src.step(), dst.ptr(), dst.step(), w, 2, thr);
+        else
+            v8::kern::mapRows<false>(v8::kern::Plane<Zev32f>{dst.ptr(), dst.step()}, w, 2,
+                                     v8::kern::ThresholdOp_32f<Greater>(thr),
+                                     v8::kern::Plane<const Zev32f>{src.ptr(), src.step()});
+        std::vector<Zev32f> in = src.pixels(), want(in.size());
+        for (std::size_t i = 0; i < in.size(); ++i) want[i] = (Greater ? in[i] > thr : in[i] < thr) ? thr : in[i];
+        ASSERT_TRUE(zt::sameBits(dst.pixels(), want)) << "width " << w;
+        ASSERT_TRUE(dst.guardsIntact());
+    }
+}
+
+template <bool Wide>
+void checkThresholdRows() {
+    checkValRows<Wide, false, Zev8u, true>(128, 3);
+    checkValRows<Wide, false, Zev8u, false>(128, 3);
+    checkValRows<Wide, false, Zev16u, true>(999, 1);
+    checkValRows<Wide, false, Zev16u, false>(0x8000, 1);
+    checkValRows<Wide, true, Zev16u, true>(999, 1);
+    checkValRows<Wide, true, Zev16u, false>(0x8000, 1);
+    check32fRows<Wide, true>(0.0f);
+    check32fRows<Wide, false>(-0.0f);
+    check32fRows<Wide, true>(std::numeric_limits<float>::quiet_NaN());
+}
+
+TEST(PrimsThreshold, Ssse3RowsMatchTheReference) { checkThresholdRows<false>(); }
+
+TEST(PrimsThreshold, Avx2RowsMatchTheReference) {
+    if (!v8::simd::hasAvx2()) GTEST_SKIP() << "no AVX2 on this processor";
+    checkThresholdRows<true>();
 }
 
 TEST(PrimsThreshold, GTValIsTheGreaterThanCompare) {

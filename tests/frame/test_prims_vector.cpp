@@ -10,7 +10,7 @@
 
 #include "common/guarded.h"
 #include "frame/kernels/elementwise_ops.h"
-#include "frame/kernels/vector_kernels.h"
+#include "frame/kernels/rows_avx2.h"
 #include "frame/prims.h"
 #include "test_prims_ref.h"
 

@@ -63,6 +63,18 @@ struct ThresholdValOp {
         __m128i keep = Greater ? isZeroU<T>(subsU<T>(a, vthr)) : isZeroU<T>(subsU<T>(vthr, a));
         return select(keep, a, vval);
     }
+#ifdef __AVX2__
+    // The wide constants are made here; the compiler lifts them out of the row loop.
+    __m256i vec(__m256i a) const {
+        const __m256i t = simd::splat<__m256i>(thr), v = simd::splat<__m256i>(val), z = _mm256_setzero_si256();
+        __m256i keep;
+        if constexpr (sizeof(T) == 1)
+            keep = _mm256_cmpeq_epi8(Greater ? _mm256_subs_epu8(a, t) : _mm256_subs_epu8(t, a), z);
+        else
+            keep = _mm256_cmpeq_epi16(Greater ? _mm256_subs_epu16(a, t) : _mm256_subs_epu16(t, a), z);
+        return _mm256_blendv_epi8(v, a, keep);
+    }
+#endif
     T one(T a) const { return (Greater ? a > thr : a < thr) ? val : a; }
 };
 
@@ -75,6 +87,12 @@ struct ThresholdOp_32f {
     __m128 vthr;
     explicit ThresholdOp_32f(float threshold) : thr(threshold), vthr(_mm_set1_ps(threshold)) {}
     __m128 vec(__m128 a) const { return Greater ? _mm_min_ps(vthr, a) : _mm_max_ps(vthr, a); }
+#ifdef __AVX2__
+    __m256 vec(__m256 a) const {
+        const __m256 t = _mm256_set1_ps(thr);
+        return Greater ? _mm256_min_ps(t, a) : _mm256_max_ps(t, a);
+    }
+#endif
     float one(float a) const { return (Greater ? a > thr : a < thr) ? thr : a; }
 };
 

@@ -91,9 +91,9 @@ inline void mapRow(D* d, int n, const Op& op, const S*... s) {
 }
 
 // Rows [0, height) of a region.
-template <bool Stream, class D, class Op, class... S>
+template <bool Stream, int Bytes = 16, class D, class Op, class... S>
 inline void mapRows(Plane<D> d, int width, int height, const Op& op, Plane<const S>... s) {
-    for (int y = 0; y < height; ++y) mapRow<Stream>(d.row(y), width, op, s.row(y)...);
+    for (int y = 0; y < height; ++y) mapRow<Stream, Bytes>(d.row(y), width, op, s.row(y)...);
     if constexpr (Stream) _mm_sfence();
 }
 
