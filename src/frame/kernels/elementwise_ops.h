@@ -10,7 +10,7 @@
 #include "zevcv.h"
 
 namespace v8::kern {
-inline namespace ZEV_KERN_ISA {
+inline namespace ZEV_SIMD_ISA {
 
 // ---------------------------------------------------------------- scale rule
 // p / 2^s rounded to nearest, ties to even, for s >= 1. The sum stays inside 32
@@ -256,5 +256,5 @@ struct MulCSfsOp_16s {
     std::int16_t one(std::int16_t a) const { return saturate<std::int16_t>(scale.one(int{a} * v)); }
 };
 
-}  // namespace ZEV_KERN_ISA
+}  // namespace ZEV_SIMD_ISA
 }  // namespace v8::kern

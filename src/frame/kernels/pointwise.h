@@ -13,16 +13,10 @@
 
 #include "frame/kernels/simd.h"
 
-// Files built for AVX2 get their own copies of these inline kernels, so that
-// the linker never hands an SSSE3 caller a copy compiled with wider instructions.
-#if defined(__AVX2__)
-#define ZEV_KERN_ISA avx2
-#else
-#define ZEV_KERN_ISA sse
-#endif
-
+// Like the register helpers, these inline kernels get one copy per
+// instruction set of the file that includes them.
 namespace v8::kern {
-inline namespace ZEV_KERN_ISA {
+inline namespace ZEV_SIMD_ISA {
 
 template <class T>
 inline T* byteOffset(T* p, std::ptrdiff_t bytes) {
@@ -115,5 +109,5 @@ struct FillOp {
     T one() const { return value; }
 };
 
-}  // namespace ZEV_KERN_ISA
+}  // namespace ZEV_SIMD_ISA
 }  // namespace v8::kern

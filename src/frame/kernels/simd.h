@@ -8,7 +8,19 @@
 #include <cstdint>
 #include <type_traits>
 
+// Files built for wider instruction sets get their own copies of these inline
+// helpers, so that the linker cannot hand an SSSE3 caller an out-of-line copy
+// compiled with AVX instructions (as at -O0).
+#if defined(__AVX512F__)
+#define ZEV_SIMD_ISA isa_avx512
+#elif defined(__AVX2__)
+#define ZEV_SIMD_ISA isa_avx2
+#else
+#define ZEV_SIMD_ISA isa_sse
+#endif
+
 namespace v8::simd {
+inline namespace ZEV_SIMD_ISA {
 
 // Register type holding elements of T, for a register width in bytes. (The
 // vector types' alignment attributes do not matter to a type choice.)
@@ -93,4 +105,5 @@ inline bool aligned16(A... a) {
     return ((addrBits(a) | ... | std::uintptr_t{0}) & 15) == 0;
 }
 
+}  // namespace ZEV_SIMD_ISA
 }  // namespace v8::simd
