@@ -259,11 +259,41 @@ T thresholdValRef(T a, T thr, T val, bool greater) {
     return (greater ? a > thr : a < thr) ? val : a;
 }
 
-template <class T>
-using ValFn = ZevStatus (*)(const T*, int, T*, int, ZeviSize, T, T, int);
+// The ways a threshold runs: the routine (which picks its rows by processor and
+// image size), and each row kernel on its own, plain and storing past the cache.
+enum class Path { Routine, Ssse3, Ssse3Stream, Avx2, Avx2Stream };
+const char* pathName(Path p) {
+    static const char* names[] = {"Routine", "Ssse3", "Ssse3Stream", "Avx2", "Avx2Stream"};
+    return names[static_cast<int>(p)];
+}
+bool wide(Path p) { return p == Path::Avx2 || p == Path::Avx2Stream; }
+bool streams(Path p) { return p == Path::Ssse3Stream || p == Path::Avx2Stream; }
+
+template <class T, bool Greater>
+void valRows(Path p, const T* s, int ss, T* d, int ds, ZeviSize r, T thr, T val) {
+    using namespace v8::kern;
+    const ThresholdValOp<T, Greater> op(thr, val);
+    if (p == Path::Ssse3) mapRows<false>(Plane<T>{d, ds}, r.width, r.height, op, Plane<const T>{s, ss});
+    if (p == Path::Ssse3Stream) mapRows<true>(Plane<T>{d, ds}, r.width, r.height, op, Plane<const T>{s, ss});
+    if (p == Path::Avx2) v8::ownThresholdValRows_avx2<T, Greater, false>(s, ss, d, ds, r.width, r.height, thr, val);
+    if constexpr (sizeof(T) == 2)
+        if (p == Path::Avx2Stream)
+            v8::ownThresholdValRows_avx2<T, Greater, true>(s, ss, d, ds, r.width, r.height, thr, val);
+}
 
 template <class T>
-void checkThresholdVal(ValFn<T> fn, ZeviSize sz, int off, T thr, T val, int cmp, bool inPlace, zt::Rng& rng) {
+ZevStatus runVal(Path p, const T* s, int ss, T* d, int ds, ZeviSize r, T thr, T val, int cmp) {
+    if (p == Path::Routine) {
+        if constexpr (sizeof(T) == 1) return v8::zeviThreshold_Val_8u_C1R(s, ss, d, ds, r, thr, val, cmp);
+        else return v8::zeviThreshold_Val_16u_C1R(s, ss, d, ds, r, thr, val, cmp);
+    }
+    if (cmp == v8::zevCmpGreater) valRows<T, true>(p, s, ss, d, ds, r, thr, val);
+    else valRows<T, false>(p, s, ss, d, ds, r, thr, val);
+    return zevStsNoError;
+}
+
+template <class T, class Fn>
+void checkThresholdVal(Fn fn, ZeviSize sz, int off, T thr, T val, int cmp, bool inPlace, zt::Rng& rng) {
     Image<T> src(sz.width, sz.height, 1, 3, off), dst(sz.width, sz.height, 1, 2, (off + 3) % 8);
     randomize(src, rng);
     std::vector<T> in = src.pixels();
@@ -276,23 +306,76 @@ void checkThresholdVal(ValFn<T> fn, ZeviSize sz, int off, T thr, T val, int cmp,
 }
 
 // Both compares, thresholds at the ends and the middle of the range, every
-// tail, out of place and in place.
+// tail, out of place and (but for streaming rows) in place.
 template <class T>
-void sweepThresholdVal(ValFn<T> fn, std::initializer_list<T> thresholds, T value, std::uint32_t seed) {
+void sweepThresholdVal(Path p, std::initializer_list<T> thresholds, T value, std::uint32_t seed) {
     zt::Rng rng(seed);
+    auto fn = [p](const T* s, int ss, T* d, int ds, ZeviSize r, T t, T v, int cmp) {
+        return runVal<T>(p, s, ss, d, ds, r, t, v, cmp);
+    };
     for (int cmp : {v8::zevCmpLess, v8::zevCmpGreater})
         for (T thr : thresholds)
             for (int w : zt::sweepWidths())
-                checkThresholdVal<T>(fn, ZeviSize{w, 2}, w % 3, thr, value, cmp, w % 2 == 0, rng);
+                checkThresholdVal<T>(fn, ZeviSize{w, 2}, w % 3, thr, value, cmp, !streams(p) && w % 2 == 0, rng);
 }
 
-TEST(PrimsThreshold, Val8uBothComparesEveryTail) {
-    sweepThresholdVal<Zev8u>(v8::zeviThreshold_Val_8u_C1R, {0, 127, 128, 255}, 77, 13);
+float threshold32fRef(float a, float thr, bool greater) { return (greater ? a > thr : a < thr) ? thr : a; }
+
+template <bool Greater>
+void rows32f(Path p, const Zev32f* s, int ss, Zev32f* d, int ds, ZeviSize r, float thr) {
+    if (wide(p))
+        v8::ownThresholdRows_32f_avx2<Greater>(s, ss, d, ds, r.width, r.height, thr);
+    else
+        v8::kern::mapRows<false>(v8::kern::Plane<Zev32f>{d, ds}, r.width, r.height,
+                                 v8::kern::ThresholdOp_32f<Greater>(thr), v8::kern::Plane<const Zev32f>{s, ss});
 }
 
-TEST(PrimsThreshold, Val16uBothComparesEveryTail) {
-    sweepThresholdVal<Zev16u>(v8::zeviThreshold_Val_16u_C1R, {0, 0x7fff, 0x8000, 0xffff}, 4321, 17);
+ZevStatus run32f(Path p, const Zev32f* s, int ss, Zev32f* d, int ds, ZeviSize r, float thr, int cmp) {
+    if (p == Path::Routine)
+        return cmp == v8::zevCmpLess ? v8::zeviThreshold_LT_32f_C1R(s, ss, d, ds, r, thr)
+                                     : v8::zeviThreshold_32f_C1R(s, ss, d, ds, r, thr, cmp);
+    if (cmp == v8::zevCmpGreater) rows32f<true>(p, s, ss, d, ds, r, thr);
+    else rows32f<false>(p, s, ss, d, ds, r, thr);
+    return zevStsNoError;
 }
+
+class ThresholdPath : public ::testing::TestWithParam<Path> {
+protected:
+    void SetUp() override {
+        if (wide(GetParam()) && !v8::simd::hasAvx2()) GTEST_SKIP() << "no AVX2 on this processor";
+    }
+};
+
+TEST_P(ThresholdPath, Val8uBothComparesEveryTail) {
+    if (streams(GetParam())) GTEST_SKIP() << "8-bit thresholds have no streaming rows";
+    sweepThresholdVal<Zev8u>(GetParam(), {0, 127, 128, 255}, 77, 13);
+}
+
+TEST_P(ThresholdPath, Val16uBothComparesEveryTail) {
+    sweepThresholdVal<Zev16u>(GetParam(), {0, 0x7fff, 0x8000, 0xffff}, 4321, 17);
+}
+
+TEST_P(ThresholdPath, Float32KeepsNaNAndSignedZeros) {
+    if (streams(GetParam())) GTEST_SKIP() << "float thresholds have no streaming rows";
+    zt::Rng rng(31);
+    for (int cmp : {v8::zevCmpLess, v8::zevCmpGreater})
+        for (float thr : {0.0f, -0.0f, 2.5f, std::numeric_limits<float>::quiet_NaN()})
+            for (int w : zt::sweepWidths()) {
+                Image<Zev32f> src(w, 2, 1, 1, w % 4), dst(w, 2, 1, 2, 1);
+                randomize(src, rng);
+                ASSERT_EQ(run32f(GetParam(), src.ptr(), src.step(), dst.ptr(), dst.step(), src.size(), thr, cmp),
+                          zevStsNoError);
+                std::vector<Zev32f> in = src.pixels(), want(in.size());
+                for (std::size_t i = 0; i < in.size(); ++i) want[i] = threshold32fRef(in[i], thr, cmp == 4);
+                ASSERT_TRUE(zt::sameBits(dst.pixels(), want)) << "width " << w << " thr " << thr << " cmp " << cmp;
+                ASSERT_TRUE(dst.guardsIntact());
+            }
+}
+
+INSTANTIATE_TEST_SUITE_P(Prims, ThresholdPath,
+                         ::testing::Values(Path::Routine, Path::Ssse3, Path::Ssse3Stream, Path::Avx2,
+                                           Path::Avx2Stream),
+                         [](const auto& info) { return std::string(pathName(info.param)); });
 
 // Bands open at 192 x 192 with more than one thread; the result must not move.
 TEST(PrimsThreshold, Val16uBandsDoNotChangeTheResult) {
@@ -304,74 +387,6 @@ TEST(PrimsThreshold, Val16uBandsDoNotChangeTheResult) {
                                       rng);
             checkThresholdVal<Zev16u>(v8::zeviThreshold_Val_16u_C1R, sz, 0, 30000, 7, v8::zevCmpLess, true, rng);
         }
-}
-
-// The public routines take the AVX2 rows where the processor has them, and
-// stores past the cache only on images larger than the cache: every row kernel
-// (SSSE3 and AVX2, plain and streaming) is run here on its own.
-template <bool Wide, bool Stream, class T, bool Greater>
-void runValRows(Image<T>& src, Image<T>& dst, T thr, T val) {
-    if constexpr (Wide)
-        v8::ownThresholdValRows_avx2<T, Greater, Stream>(src.ptr(), src.step(), dst.ptr(), dst.step(), src.width(),
-                                                         src.height(), thr, val);
-    else
-        v8::kern::mapRows<Stream>(v8::kern::Plane<T>{dst.ptr(), dst.step()}, src.width(), src.height(),
-                                  v8::kern::ThresholdValOp<T, Greater>(thr, val),
-                                  v8::kern::Plane<const T>{src.ptr(), src.step()});
-}
-
-template <bool Wide, bool Stream, class T, bool Greater>
-void checkValRows(T thr, T val) {
-    zt::Rng rng(23);
-    for (int w : zt::sweepWidths())
-        for (int off : zt::sweepOffsets()) {
-            Image<T> src(w, 3, 1, 1, off), dst(w, 3, 1, 5, (off * 7) % 8);
-            randomize(src, rng);
-            runValRows<Wide, Stream, T, Greater>(src, dst, thr, val);
-            std::vector<T> in = src.pixels(), want(in.size());
-            for (std::size_t i = 0; i < in.size(); ++i) want[i] = thresholdValRef<T>(in[i], thr, val, Greater);
-            ASSERT_EQ(dst.pixels(), want) << "width " << w << " offset " << off;
-            ASSERT_TRUE(dst.guardsIntact());
-        }
-}
-
-template <bool Wide, bool Greater>
-void check32fRows(float thr) {
-    zt::Rng rng(37);
-    for (int w : zt::sweepWidths()) {
-        Image<Zev32f> src(w, 2, 1, 1, w % 4), dst(w, 2, 1, 2, 1);
-        randomize(src, rng);
-        if constexpr (Wide)
-            v8::ownThresholdRows_32f_avx2<Greater>(src.ptr(), src.step(), dst.ptr(), dst.step(), w, 2, thr);
-        else
-            v8::kern::mapRows<false>(v8::kern::Plane<Zev32f>{dst.ptr(), dst.step()}, w, 2,
-                                     v8::kern::ThresholdOp_32f<Greater>(thr),
-                                     v8::kern::Plane<const Zev32f>{src.ptr(), src.step()});
-        std::vector<Zev32f> in = src.pixels(), want(in.size());
-        for (std::size_t i = 0; i < in.size(); ++i) want[i] = (Greater ? in[i] > thr : in[i] < thr) ? thr : in[i];
-        ASSERT_TRUE(zt::sameBits(dst.pixels(), want)) << "width " << w;
-        ASSERT_TRUE(dst.guardsIntact());
-    }
-}
-
-template <bool Wide>
-void checkThresholdRows() {
-    checkValRows<Wide, false, Zev8u, true>(128, 3);
-    checkValRows<Wide, false, Zev8u, false>(128, 3);
-    checkValRows<Wide, false, Zev16u, true>(999, 1);
-    checkValRows<Wide, false, Zev16u, false>(0x8000, 1);
-    checkValRows<Wide, true, Zev16u, true>(999, 1);
-    checkValRows<Wide, true, Zev16u, false>(0x8000, 1);
-    check32fRows<Wide, true>(0.0f);
-    check32fRows<Wide, false>(-0.0f);
-    check32fRows<Wide, true>(std::numeric_limits<float>::quiet_NaN());
-}
-
-TEST(PrimsThreshold, Ssse3RowsMatchTheReference) { checkThresholdRows<false>(); }
-
-TEST(PrimsThreshold, Avx2RowsMatchTheReference) {
-    if (!v8::simd::hasAvx2()) GTEST_SKIP() << "no AVX2 on this processor";
-    checkThresholdRows<true>();
 }
 
 TEST(PrimsThreshold, GTValIsTheGreaterThanCompare) {
@@ -405,31 +420,6 @@ TEST(PrimsThreshold, ValJudgesTheCompareCodeFirst) {
     EXPECT_EQ(v8::zeviThreshold_GTVal_16u_C1R(s16.ptr(), -2, d16.ptr(), d16.step(), s16.size(), 1, 2), zevStsBadStep);
     EXPECT_TRUE(d.unchanged());
     EXPECT_TRUE(d16.unchanged());
-}
-
-float threshold32fRef(float a, float thr, bool greater) { return (greater ? a > thr : a < thr) ? thr : a; }
-
-TEST(PrimsThreshold, Float32KeepsNaNAndSignedZeros) {
-    zt::Rng rng(31);
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (int cmp : {v8::zevCmpLess, v8::zevCmpGreater})
-        for (float thr : {0.0f, -0.0f, 2.5f, nan})
-            for (int w : zt::sweepWidths()) {
-                Image<Zev32f> src(w, 2, 1, 1, w % 4), dst(w, 2, 1, 2, 1);
-                randomize(src, rng);
-                if (cmp == v8::zevCmpLess)
-                    ASSERT_EQ(v8::zeviThreshold_LT_32f_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), src.size(),
-                                                           thr),
-                              zevStsNoError);
-                else
-                    ASSERT_EQ(v8::zeviThreshold_32f_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), src.size(), thr,
-                                                        cmp),
-                              zevStsNoError);
-                std::vector<Zev32f> in = src.pixels(), want(in.size());
-                for (std::size_t i = 0; i < in.size(); ++i) want[i] = threshold32fRef(in[i], thr, cmp == 4);
-                ASSERT_TRUE(zt::sameBits(dst.pixels(), want)) << "width " << w << " thr " << thr << " cmp " << cmp;
-                ASSERT_TRUE(dst.guardsIntact());
-            }
 }
 
 TEST(PrimsThreshold, Float32JudgesStepsBeforeTheCompareCode) {

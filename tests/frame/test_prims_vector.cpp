@@ -107,13 +107,14 @@ struct MinMaxFns {
     ZevStatus (*maxI)(const T*, T*, int);
 };
 
-template <class T>
-void checkMinMax(const MinMaxFns<T>& fns) {
+// Every length and origin, sources in line with the destination and out of
+// line with it; run(a, b, d, n, isMax) computes one of the two.
+template <class T, class Run>
+void sweepMinMax(Run run) {
     zt::Rng rng(53);
     for (int len : zt::sweepWidths())
         for (int off : zt::sweepOffsets()) {
-            // Sources in line with the destination and out of line with it.
-            Image<T> a = vec<T>(len, off), b = vec<T>(len, len % 2 ? off : off + 1), d = vec<T>(len, off);
+            Image<T> a = vec<T>(len, off), b = vec<T>(len, off + (len & 1)), d = vec<T>(len, off);
             a.fill([&] { return randomElement<T>(rng); });
             b.fill([&] { return randomElement<T>(rng); });
             std::vector<T> pa = a.pixels(), pb = b.pixels(), lo(len), hi(len);
@@ -121,24 +122,32 @@ void checkMinMax(const MinMaxFns<T>& fns) {
                 lo[i] = minRef(pa[i], pb[i]);
                 hi[i] = maxRef(pa[i], pb[i]);
             }
-            ASSERT_EQ(fns.min(a.ptr(), b.ptr(), d.ptr(), len), zevStsNoError);
+            run(a.ptr(), b.ptr(), d.ptr(), len, false);
             ASSERT_TRUE(zt::sameBits(d.pixels(), lo)) << "min, length " << len << " offset " << off;
-            ASSERT_EQ(fns.max(a.ptr(), b.ptr(), d.ptr(), len), zevStsNoError);
+            run(a.ptr(), b.ptr(), d.ptr(), len, true);
             ASSERT_TRUE(zt::sameBits(d.pixels(), hi)) << "max, length " << len << " offset " << off;
             ASSERT_TRUE(d.guardsIntact());
-            // In place: the second operand is the one overwritten.
-            ASSERT_EQ(fns.minI(a.ptr(), b.ptr(), len), zevStsNoError);
-            ASSERT_TRUE(zt::sameBits(b.pixels(), lo)) << "min in place, length " << len;
-            ASSERT_TRUE(b.guardsIntact());
         }
-    // Maximum in place, and the length rule: 0 is an error, below 0 nothing happens.
-    Image<T> a = vec<T>(9, 1), b = vec<T>(9, 2);
+}
+
+template <class T>
+void checkMinMax(const MinMaxFns<T>& fns) {
+    sweepMinMax<T>([&](const T* a, const T* b, T* d, int n, bool isMax) {
+        ASSERT_EQ((isMax ? fns.max : fns.min)(a, b, d, n), zevStsNoError);
+    });
+    // In place the second operand is the one overwritten; the length rule: 0
+    // is an error, below 0 nothing happens.
+    zt::Rng rng(54);
+    Image<T> a = vec<T>(9, 1), b = vec<T>(9, 2), c = vec<T>(9, 0);
     a.fill([&] { return randomElement<T>(rng); });
     b.fill([&] { return randomElement<T>(rng); });
-    std::vector<T> pa = a.pixels(), pb = b.pixels(), hi(9);
-    for (int i = 0; i < 9; ++i) hi[i] = maxRef(pa[i], pb[i]);
+    std::memcpy(c.ptr(), b.ptr(), 9 * sizeof(T));
+    std::vector<T> pa = a.pixels(), pb = b.pixels(), lo(9), hi(9);
+    for (int i = 0; i < 9; ++i) lo[i] = minRef(pa[i], pb[i]), hi[i] = maxRef(pa[i], pb[i]);
     ASSERT_EQ(fns.maxI(a.ptr(), b.ptr(), 9), zevStsNoError);
     ASSERT_TRUE(zt::sameBits(b.pixels(), hi));
+    ASSERT_EQ(fns.minI(a.ptr(), c.ptr(), 9), zevStsNoError);
+    ASSERT_TRUE(zt::sameBits(c.pixels(), lo));
     b.snapshot();
     EXPECT_EQ(fns.min(a.ptr(), a.ptr(), b.ptr(), 0), zevStsBadSize);
     EXPECT_EQ(fns.max(a.ptr(), nullptr, b.ptr(), 0), zevStsNullPointer);
@@ -331,28 +340,13 @@ TEST(PrimsHelpers, RowMatrixAlignment) {
 // SSSE3 rows must give the same bits, so both are run here on their own.
 namespace {
 
-template <class T, bool Max, bool Wide>
-void minMaxRow(const T* a, const T* b, T* d, int n) {
-    if constexpr (Wide) v8::ownMinMaxEvery_avx2<T, Max>(a, b, d, n);
-    else v8::kern::mapRow<false>(d, n, v8::kern::MinMaxEveryOp<T, Max>{}, a, b);
-}
-
 template <class T, bool Wide>
 void checkMinMaxRows() {
-    zt::Rng rng(73);
-    for (int len : zt::sweepWidths())
-        for (int off : zt::sweepOffsets()) {
-            Image<T> a = vec<T>(len, off), b = vec<T>(len, off + (len & 1)), d = vec<T>(len, off);
-            a.fill([&] { return randomElement<T>(rng); });
-            b.fill([&] { return randomElement<T>(rng); });
-            std::vector<T> pa = a.pixels(), pb = b.pixels(), lo(len), hi(len);
-            for (int i = 0; i < len; ++i) lo[i] = minRef(pa[i], pb[i]), hi[i] = maxRef(pa[i], pb[i]);
-            minMaxRow<T, false, Wide>(a.ptr(), b.ptr(), d.ptr(), len);
-            ASSERT_TRUE(zt::sameBits(d.pixels(), lo)) << "min, length " << len << " offset " << off;
-            minMaxRow<T, true, Wide>(a.ptr(), b.ptr(), d.ptr(), len);
-            ASSERT_TRUE(zt::sameBits(d.pixels(), hi)) << "max, length " << len << " offset " << off;
-            ASSERT_TRUE(d.guardsIntact());
-        }
+    sweepMinMax<T>([](const T* a, const T* b, T* d, int n, bool isMax) {
+        if constexpr (Wide) (isMax ? v8::ownMinMaxEvery_avx2<T, true> : v8::ownMinMaxEvery_avx2<T, false>)(a, b, d, n);
+        else if (isMax) v8::kern::mapRow<false>(d, n, v8::kern::MinMaxEveryOp<T, true>{}, a, b);
+        else v8::kern::mapRow<false>(d, n, v8::kern::MinMaxEveryOp<T, false>{}, a, b);
+    });
 }
 
 template <bool Wide>
