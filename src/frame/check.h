@@ -32,6 +32,13 @@ public:
     Check& height(int h) { return that(h > 0, zevStsBadSize); }
     // A step at least the row's bytes, compared as signed numbers.
     Check& step(int stepBytes, std::int64_t rowBytes) { return that(stepBytes >= rowBytes, zevStsBadStep); }
+    // Steps judged only for being above zero, in argument order.
+    template <class... S>
+    Check& positiveSteps(S... steps) {
+        return that(((steps > 0) && ...), zevStsBadStep);
+    }
+    // A vector length of at least one element.
+    Check& length(int len) { return that(len >= 1, zevStsBadSize); }
     // Steps of an image whose elements have elemBytes (1, 2, 4 or 8) bytes are
     // multiples of it; the steps of one element size are tested together.
     template <class... S>

@@ -11,19 +11,39 @@
 #include <cstdint>
 #include <type_traits>
 
-namespace v8::simd {
+// Files built for wider instruction sets get their own copies of these inline
+// helpers, so that the linker cannot hand an SSSE3 caller an out-of-line copy
+// compiled with AVX instructions (as at -O0).
+#if defined(__AVX512F__)
+#define ZEV_SIMD_ISA isa_avx512
+#elif defined(__AVX2__)
+#define ZEV_SIMD_ISA isa_avx2
+#else
+#define ZEV_SIMD_ISA isa_sse
+#endif
 
-// Register type holding elements of T, for a register width in bytes.
+namespace v8::simd {
+inline namespace ZEV_SIMD_ISA {
+
+// Register type holding elements of T, for a register width in bytes. (The
+// vector types' alignment attributes do not matter to a type choice.)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wignored-attributes"
 template <class T, int Bytes>
 struct RegOf;
 template <class T>
 struct RegOf<T, 16> { using type = std::conditional_t<std::is_same_v<T, float>, __m128, __m128i>; };
+template <>
+struct RegOf<double, 16> { using type = __m128d; };
 #ifdef __AVX2__
 template <class T>
 struct RegOf<T, 32> { using type = std::conditional_t<std::is_same_v<T, float>, __m256, __m256i>; };
+template <>
+struct RegOf<double, 32> { using type = __m256d; };
 #endif
 template <class T, int Bytes>
 using Reg = typename RegOf<T, Bytes>::type;
+#pragma GCC diagnostic pop
 
 template <class V> V load(const void* p);    // any alignment
 template <class V> V loada(const void* p);   // aligned to the register width
@@ -31,6 +51,8 @@ template <> inline __m128i load<__m128i>(const void* p) { return _mm_loadu_si128
 template <> inline __m128i loada<__m128i>(const void* p) { return _mm_load_si128(static_cast<const __m128i*>(p)); }
 template <> inline __m128 load<__m128>(const void* p) { return _mm_loadu_ps(static_cast<const float*>(p)); }
 template <> inline __m128 loada<__m128>(const void* p) { return _mm_load_ps(static_cast<const float*>(p)); }
+template <> inline __m128d load<__m128d>(const void* p) { return _mm_loadu_pd(static_cast<const double*>(p)); }
+template <> inline __m128d loada<__m128d>(const void* p) { return _mm_load_pd(static_cast<const double*>(p)); }
 
 inline void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
 inline void storea(void* p, __m128i v) { _mm_store_si128(static_cast<__m128i*>(p), v); }
@@ -38,6 +60,9 @@ inline void stream(void* p, __m128i v) { _mm_stream_si128(static_cast<__m128i*>(
 inline void store(void* p, __m128 v) { _mm_storeu_ps(static_cast<float*>(p), v); }
 inline void storea(void* p, __m128 v) { _mm_store_ps(static_cast<float*>(p), v); }
 inline void stream(void* p, __m128 v) { _mm_stream_ps(static_cast<float*>(p), v); }
+inline void store(void* p, __m128d v) { _mm_storeu_pd(static_cast<double*>(p), v); }
+inline void storea(void* p, __m128d v) { _mm_store_pd(static_cast<double*>(p), v); }
+inline void stream(void* p, __m128d v) { _mm_stream_pd(static_cast<double*>(p), v); }
 
 // Low 8 bytes only.
 inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
@@ -47,6 +72,9 @@ template <class V, class T> V splat(T v);
 template <> inline __m128i splat<__m128i>(std::uint8_t v) { return _mm_set1_epi8(static_cast<char>(v)); }
 template <> inline __m128i splat<__m128i>(std::uint16_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
 template <> inline __m128 splat<__m128>(float v) { return _mm_set1_ps(v); }
+template <> inline __m128d splat<__m128d>(double v) { return _mm_set1_pd(v); }
+template <> inline __m128i splat<__m128i>(std::int16_t v) { return _mm_set1_epi16(v); }
+template <> inline __m128i splat<__m128i>(std::int32_t v) { return _mm_set1_epi32(v); }
 
 #ifdef __AVX2__
 template <> inline __m256i load<__m256i>(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
@@ -59,6 +87,11 @@ inline void stream(void* p, __m256i v) { _mm256_stream_si256(static_cast<__m256i
 inline void store(void* p, __m256 v) { _mm256_storeu_ps(static_cast<float*>(p), v); }
 inline void storea(void* p, __m256 v) { _mm256_store_ps(static_cast<float*>(p), v); }
 inline void stream(void* p, __m256 v) { _mm256_stream_ps(static_cast<float*>(p), v); }
+template <> inline __m256d load<__m256d>(const void* p) { return _mm256_loadu_pd(static_cast<const double*>(p)); }
+template <> inline __m256d loada<__m256d>(const void* p) { return _mm256_load_pd(static_cast<const double*>(p)); }
+inline void store(void* p, __m256d v) { _mm256_storeu_pd(static_cast<double*>(p), v); }
+inline void storea(void* p, __m256d v) { _mm256_store_pd(static_cast<double*>(p), v); }
+inline void stream(void* p, __m256d v) { _mm256_stream_pd(static_cast<double*>(p), v); }
 template <> inline __m256i splat<__m256i>(std::uint8_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
 template <> inline __m256i splat<__m256i>(std::uint16_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
 template <> inline __m256 splat<__m256>(float v) { return _mm256_set1_ps(v); }
@@ -75,4 +108,5 @@ inline bool aligned16(A... a) {
     return ((addrBits(a) | ... | std::uintptr_t{0}) & 15) == 0;
 }
 
+}  // namespace ZEV_SIMD_ISA
 }  // namespace v8::simd
