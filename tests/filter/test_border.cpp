@@ -157,11 +157,11 @@ TEST(FillLine, ThreeChannelsKeepWholePixelsAndPerChannelValues) {
 }
 
 TEST(FillLine, SinglePixelRowUnderEveryMirror) {
-    const float px = 3.5f;
+    const float px[8] = {3.5f, -1, -1, -1, -1, -1, -1, -1};  // only the first is the row
     for (int code : {zevBorderMirror, zevBorderMirrorR, zevBorderWrap, zevBorderReplicate})
         for (int a = 0; a < 7; ++a) {
             float line[7];
-            v8::fillBorder<float>(&px, line, 1, 7, a, code, nullptr);
-            for (float v : line) EXPECT_EQ(v, px) << code;
+            v8::fillBorder<float>(px, line, 1, 7, a, code, nullptr);
+            for (float v : line) EXPECT_EQ(v, px[0]) << code;
         }
 }
