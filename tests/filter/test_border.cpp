@@ -8,34 +8,12 @@
 
 #include "common/guarded.h"
 #include "filter/border.h"
+#include "pipe_ref.h"
 
 namespace {
 
-// Source column read for position x outside 0..w-1, found by walking: wrap steps
-// around the row, the mirrors bounce off its ends (Mirror skips the end element
-// on reversal, MirrorR repeats it).
-int walkIndex(int x, int w, int code) {
-    if (x >= 0 && x < w) return x;
-    if (code == zevBorderReplicate) return x < 0 ? 0 : w - 1;
-    if (code == zevBorderWrap) {
-        int p = x;
-        while (p < 0) p += w;
-        while (p >= w) p -= w;
-        return p;
-    }
-    int steps = x < 0 ? -x : x - (w - 1);
-    int pos = x < 0 ? 0 : w - 1;
-    int dir = x < 0 ? -1 : 1;
-    for (int s = 0; s < steps; ++s) {
-        int next = pos + dir;
-        if (next < 0 || next >= w) {
-            dir = -dir;
-            next = code == zevBorderMirror ? (w == 1 ? 0 : pos + dir) : pos;
-        }
-        pos = next;
-    }
-    return pos;
-}
+// The walking model of the borders lives with the pipeline references.
+int walkIndex(int x, int w, int code) { return ref::walk(x, w, code); }
 
 // The expected line: a extension pixels, real pixels, K-1-a extension pixels,
 // with the real part shortened as the layout says.

@@ -126,68 +126,39 @@ struct Col16s {
 
 // ---------------------------------------------------------------- Low 16s
 
-struct ColLow16s {
+// Every column takes the shared 16-bit rule, tail columns in scalar form.
+struct ColLow16s : pipe::LowSum {
     using Src = Zev16s;
     using Dst = Zev16s;
     static constexpr int kLanes = 8;
-    const Zev16s* k;
-    int K;
-    std::int16_t r;
-    bool unit;
-    bool simd;
-    const ColCoefs* c;
+    bool simd = true;
 
     static ColLow16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
-        ColLow16s r{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, K <= ColCoefs::kMaxTaps, coefs};
-        if (r.simd)
-            for (int j = 0; j < K; ++j) coefs->w16[j] = _mm_set1_epi16(kernel[j]);
-        return r;
+        if (K > ColCoefs::kMaxTaps) return ColLow16s{pipe::LowSum{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, nullptr}, false};
+        return ColLow16s{pipe::LowSum::make(kernel, K, divisor, coefs->w16)};
     }
     template <class Taps>
-    Dst vmid(const Taps& t, int e) const {
-        std::int16_t v = 0;
-        for (int j = 0; j < K; ++j) v = static_cast<std::int16_t>(v + static_cast<std::int16_t>(*t.at(j, e) * k[j]));
-        return pipe::lowScale(v, r, unit);
-    }
+    Dst vmid(const Taps& t, int e) const { return scalar(t, e); }
     template <class Taps>
-    Dst tail(const Taps& t, int e) const { return vmid(t, e); }
-    template <int KT, class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        __m128i v = pipe::lowTaps8(t, e, KT ? KT : K, c->w16);
-        if (!unit) v = pipe::lowScale8(v, _mm_set1_epi16(r));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), v);
-    }
+    Dst tail(const Taps& t, int e) const { return scalar(t, e); }
 };
 
 // ---------------------------------------------------------------- 32f
 
-struct Col32f {
+struct Col32f : pipe::FloatSum {
     using Src = Zev32f;
     using Dst = Zev32f;
     static constexpr int kLanes = 4;
-    const Zev32f* k;
-    int K;
-    bool simd;
-    const ColCoefs* c;
+    bool simd = true;
 
     static Col32f make(const Zev32f* kernel, int K, ColCoefs* coefs) {
-        Col32f r{kernel, K, K <= ColCoefs::kMaxTaps, coefs};
-        if (r.simd)
-            for (int j = 0; j < K; ++j) coefs->f[j] = _mm_set1_ps(kernel[j]);
-        return r;
+        if (K > ColCoefs::kMaxTaps) return Col32f{pipe::FloatSum{kernel, K, nullptr}, false};
+        return Col32f{pipe::FloatSum::make(kernel, K, coefs->f)};
     }
     template <class Taps>
-    Dst vmid(const Taps& t, int e) const {
-        float f = *t.at(0, e) * k[0];
-        for (int j = 1; j < K; ++j) f += *t.at(j, e) * k[j];
-        return f;
-    }
+    Dst vmid(const Taps& t, int e) const { return scalar(t, e); }
     template <class Taps>
-    Dst tail(const Taps& t, int e) const { return vmid(t, e); }
-    template <int KT, class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        _mm_storeu_ps(out, pipe::floatTaps4(t, e, KT ? KT : K, c->f));
-    }
+    Dst tail(const Taps& t, int e) const { return scalar(t, e); }
 };
 
 // ---------------------------------------------------------------- driver

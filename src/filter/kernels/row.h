@@ -71,7 +71,7 @@ struct Row8u16s {
         if (intBoth) return pipe::sat16(v);
         return static_cast<Dst>(pipe::truncClamp(static_cast<float>(v) * inv, -32768.0f, 32767.0f));
     }
-    template <class Taps>
+    template <int, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
         __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
         pipe::maddTaps(t, e, pairs, 0, K, lo, hi);
@@ -192,7 +192,7 @@ struct Row16s {
         }
         return static_cast<Dst>(pipe::truncClamp(f, -32768.0f, 32767.0f));
     }
-    template <class Taps>
+    template <int, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
         __m128i r;
         if (mode == IntShort || (mode == IntLong && exact)) {
@@ -254,21 +254,15 @@ struct Row16s {
 
 // ---------------------------------------------------------------- Low 16s
 
-struct RowLow16s {
+// Interior: the shared 16-bit rule. Row ends: a 32-bit sum, cut to 16 bits.
+struct RowLow16s : pipe::LowSum {
     using Src = Zev16s;
     using Dst = Zev16s;
     static constexpr int kLanes = 8;
-    const Zev16s* k;
-    int K;
-    std::int16_t r;
-    bool unit;          // divisor 1: sums are stored as they are
-    bool endsInterior;  // the whole-row case: the row's ends follow the interior rule
-    const __m128i* k16;
+    bool endsInterior = false;  // the whole-row case: the row's ends follow the interior rule
 
     static RowLow16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
-        auto* c = static_cast<__m128i*>(coef);
-        for (int j = 0; j < K; ++j) c[j] = _mm_set1_epi16(kernel[j]);
-        return RowLow16s{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, false, c};
+        return RowLow16s{pipe::LowSum::make(kernel, K, divisor, static_cast<__m128i*>(coef))};
     }
     // A symmetric 5-tap kernel over 16 with replicated ends runs as one whole row.
     void wholeRowCase(int w, int a, int border, int divisor) {
@@ -276,11 +270,7 @@ struct RowLow16s {
                        divisor == 16 && w - 2 > 8;
     }
     bool vectorMiddle(int) const { return true; }
-    Dst mid(const Src* p, int s) const {
-        std::int16_t v = 0;
-        for (int j = 0; j < K; ++j) v = static_cast<std::int16_t>(v + static_cast<std::int16_t>(p[j * s] * k[j]));
-        return pipe::lowScale(v, r, unit);
-    }
+    Dst mid(const Src* p, int s) const { return scalar(pipe::AlongRow<Src>{p, s}, 0); }
     Dst edge(const Src* p, int s) const {
         if (endsInterior) return mid(p, s);
         std::int32_t v = 0;
@@ -288,41 +278,22 @@ struct RowLow16s {
         if (unit) return static_cast<Dst>(v);
         return static_cast<Dst>(static_cast<std::uint32_t>(pipe::wrapMul(v, r)) >> 14);
     }
-    template <class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        __m128i v = pipe::lowTaps8(t, e, K, k16);
-        if (!unit) v = pipe::lowScale8(v, _mm_set1_epi16(r));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), v);
-    }
 };
 
 // ---------------------------------------------------------------- 32f
 
-struct Row32f {
+// Every column sums its products left to right, from k[0] * s[0].
+struct Row32f : pipe::FloatSum {
     using Src = Zev32f;
     using Dst = Zev32f;
     static constexpr int kLanes = 4;
-    const Zev32f* k;
-    int K;
-    const __m128* cf;
 
     static Row32f make(const Zev32f* kernel, int K, void* coef) {
-        auto* c = static_cast<__m128*>(coef);
-        for (int j = 0; j < K; ++j) c[j] = _mm_set1_ps(kernel[j]);
-        return Row32f{kernel, K, c};
+        return Row32f{pipe::FloatSum::make(kernel, K, static_cast<__m128*>(coef))};
     }
     bool vectorMiddle(int) const { return true; }
-    // Every column sums its products left to right, from k[0] * s[0].
-    Dst mid(const Src* p, int s) const {
-        float f = k[0] * p[0];
-        for (int j = 1; j < K; ++j) f += k[j] * p[j * s];
-        return f;
-    }
+    Dst mid(const Src* p, int s) const { return scalar(pipe::AlongRow<Src>{p, s}, 0); }
     Dst edge(const Src* p, int s) const { return mid(p, s); }
-    template <class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        _mm_storeu_ps(out, pipe::floatTaps4(t, e, K, cf));
-    }
 };
 
 // ---------------------------------------------------------------- the row pass
@@ -334,7 +305,7 @@ void ownRowMiddle(const Rule& R, const typename Rule::Src* src, typename Rule::D
     int e = 0;
     if (R.vectorMiddle(n)) {
         pipe::AlongRow<typename Rule::Src> taps{src, C};
-        for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.vec(taps, e, dst + e);
+        for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.template vec<0>(taps, e, dst + e);
         for (; e < total; ++e) dst[e] = R.mid(src + e, C);
     } else {
         for (; e < total; ++e) dst[e] = R.edge(src + e, C);

@@ -45,7 +45,7 @@ struct RowFixed8u16s {
         return static_cast<Dst>(v);
     }
     Dst edge(const Src* p, int s) const { return mid(p, s); }
-    template <class Taps>
+    template <int, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
         __m128i acc = _mm_setzero_si128();
         for (int j = 0; j < K; ++j) {
