@@ -20,7 +20,9 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "filter/kernels/pipe_avx2.h"
 #include "filter/kernels/pipe_simd.h"
+#include "frame/kernels/simd.h"
 #include "zevcv.h"
 
 namespace v8 {
@@ -71,12 +73,14 @@ struct Col16s {
     bool exact;  // divisor 1 and every partial sum exact in float: integer sums suffice
     bool simd;
     const ColCoefs* c;
+    bool wide = false;  // exact, and the processor runs the 32-byte kernel
 
     static Col16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
         Col16s r{kernel, K, 1.0f / static_cast<float>(divisor), false, K <= ColCoefs::kMaxTaps, coefs};
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
         r.exact = divisor == 1 && sumAbs * 32768.0f < 16777216.0f;
+        r.wide = r.exact && simd::hasAvx2();
         if (r.simd) {
             // Each row enters as x << 16 against kernel * 2^-16 * inv: the same
             // products as x against kernel * inv, since both scalings are exact.
@@ -84,6 +88,9 @@ struct Col16s {
             pipe::makePairs(kernel, K, coefs->pairs);
         }
         return r;
+    }
+    int bulk(const Src* const* rows, Dst* dst, int count) const {
+        return wide ? ownColumnExact16s_avx2(rows, dst, count, k, K) : 0;
     }
     float weight(int j) const { return ((static_cast<float>(k[j]) * 1.5258789e-5f) * inv) * 65536.0f; }
 
@@ -170,6 +177,7 @@ void ownColumnRows(const Rule& R, const typename Rule::Src* const* src, Dst* dst
         pipe::DownRows<typename Rule::Src> t{src + y};
         Dst* d = reinterpret_cast<Dst*>(reinterpret_cast<std::uint8_t*>(dst) + static_cast<std::ptrdiff_t>(y) * dstStep);
         int e = 0;
+        if constexpr (requires { R.bulk(t.rows, d, nVec); }) e = R.bulk(t.rows, d, nVec);
         if (R.simd)
             for (; e + Rule::kLanes <= nVec; e += Rule::kLanes) R.template vec<KT>(t, e, d + e);
         for (; e < nVec; ++e) d[e] = R.vmid(t, e);

@@ -20,9 +20,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "filter/border.h"
+#include "filter/kernels/pipe_avx2.h"
 #include "filter/kernels/pipe_simd.h"
+#include "frame/kernels/simd.h"
 #include "zevcv.h"
 
 namespace v8 {
@@ -45,15 +48,21 @@ struct Row8u16s {
     float inv;
     bool intBoth;  // K = 3, divisor 1: 32-bit sum saturated in every column
     bool intMid;   // divisor 1 and every sum exact in float: the float path is the integer one
+    bool narrow;   // divisor 1 and every partial sum fits 16 bits: 16-bit lanes give the same
     const __m128i* pairs;
+    bool wide = false;  // narrow, and the processor runs the 32-byte kernel
 
     static Row8u16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
         auto* pairs = static_cast<__m128i*>(coef);
-        pipe::makePairs(kernel, K, pairs);
+        const bool narrow = divisor == 1 && sumAbs * 255.0f < 32768.0f;
+        if (narrow)  // one 16-bit weight register per tap
+            for (int j = 0; j < K; ++j) pairs[j] = _mm_set1_epi16(kernel[j]);
+        else
+            pipe::makePairs(kernel, K, pairs);
         return Row8u16s{kernel, K, 1.0f / static_cast<float>(divisor), K == 3 && divisor == 1,
-                        divisor == 1 && sumAbs * 255.0f < 16777216.0f, pairs};
+                        divisor == 1 && sumAbs * 255.0f < 16777216.0f, narrow, pairs, narrow && simd::hasAvx2()};
     }
     std::int32_t sum(const Src* p, int s) const {
         std::int32_t v = 0;
@@ -61,6 +70,9 @@ struct Row8u16s {
         return v;
     }
     bool vectorMiddle(int) const { return true; }
+    int bulk(const Src* src, int C, Dst* dst, int total) const {
+        return wide ? ownRowNarrow8u16s_avx2(src, C, dst, total, k, K) : 0;
+    }
     Dst mid(const Src* p, int s) const {
         std::int32_t v = sum(p, s);
         if (intBoth || intMid) return pipe::sat16(v);
@@ -71,10 +83,15 @@ struct Row8u16s {
         if (intBoth) return pipe::sat16(v);
         return static_cast<Dst>(pipe::truncClamp(static_cast<float>(v) * inv, -32768.0f, 32767.0f));
     }
-    template <int, class Taps>
+    template <int KT, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
+        const int n = KT ? KT : K;
+        if (narrow) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), pipe::lowTaps8(t, e, n, pairs));
+            return;
+        }
         __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
-        pipe::maddTaps(t, e, pairs, 0, K, lo, hi);
+        pipe::maddTaps(t, e, pairs, 0, n, lo, hi);
         __m128i r;
         if (intBoth || intMid) {
             r = _mm_packs_epi32(lo, hi);
@@ -192,8 +209,9 @@ struct Row16s {
         }
         return static_cast<Dst>(pipe::truncClamp(f, -32768.0f, 32767.0f));
     }
-    template <int, class Taps>
+    template <int KT, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
+        const int K = KT ? KT : this->K;
         __m128i r;
         if (mode == IntShort || (mode == IntLong && exact)) {
             __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
@@ -304,8 +322,15 @@ void ownRowMiddle(const Rule& R, const typename Rule::Src* src, typename Rule::D
     const int total = n * C;
     int e = 0;
     if (R.vectorMiddle(n)) {
+        if constexpr (requires { R.bulk(src, C, dst, total); }) e = R.bulk(src, C, dst, total);
         pipe::AlongRow<typename Rule::Src> taps{src, C};
-        for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.template vec<0>(taps, e, dst + e);
+        auto run = [&](auto kt) {
+            for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.template vec<kt.value>(taps, e, dst + e);
+        };
+        // The common kernel sizes get loops unrolled over their taps.
+        if (R.K == 3) run(std::integral_constant<int, 3>{});
+        else if (R.K == 5) run(std::integral_constant<int, 5>{});
+        else run(std::integral_constant<int, 0>{});
         for (; e < total; ++e) dst[e] = R.mid(src + e, C);
     } else {
         for (; e < total; ++e) dst[e] = R.edge(src + e, C);
