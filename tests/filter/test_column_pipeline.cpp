@@ -132,7 +132,35 @@ void sweep(const F& f, std::vector<int> magnitudes, std::vector<int> divisors) {
             }
 }
 
+// Heights 1..20 over a few widths and kernel sizes, rows repeating or not.
+template <class F>
+void heights(const F& f) {
+    zt::Rng rng(29);
+    int n = 0, bad = 0;
+    for (int h = 1; h <= 20; ++h)
+        for (int w : {1, 5, 16, 37})
+            for (int K : {1, 3, 5, 6}) {
+                Case c{w, h, K, n % 3 ? 1 : 3, n % 3, n % 2 == 0};
+                ++n;
+                bad += runAndCompare(f, c, kernelOf<typename F::Src>(K, 40, rng), rng);
+                if (bad > 10) FAIL() << "too many mismatches";
+            }
+}
+
 }  // namespace
+
+TEST(ColumnPipeline, EveryHeightEveryForm) {
+    heights(k16sC1);
+    heights(k16sC3);
+    heights(kLowC1);
+    heights(kLowC3);
+    heights(k8uC1);
+    heights(k8uC3);
+    heights(k8sC1);
+    heights(k8sC3);
+    heights(k32fC1);
+    heights(k32fC3);
+}
 
 // Magnitudes: small weights (integer shortcut with divisor 1), mid, and large
 // enough for the clamp and saturation paths.

@@ -184,7 +184,33 @@ void sweep(const F& f, std::vector<KernKind> kinds, std::vector<int> divisors) {
                     }
 }
 
+// Heights 1..20 over a few widths, kernels, anchors and border codes.
+template <class F>
+void heights(const F& f) {
+    zt::Rng rng(19);
+    int n = 0, bad = 0;
+    for (int h = 1; h <= 20; ++h)
+        for (int w : {1, 7, 16, 33})
+            for (int K : {1, 3, 5, 8}) {
+                Case s{w, h, K, (n * 7) % K, n % 5, n % 2 ? 1 : 3, n % 4};
+                ++n;
+                bad += runAndCompare(f, s, makeKernel<typename F::Kern>(K, KernKind::Small, rng), rng);
+                if (bad > 10) FAIL() << "too many mismatches";
+            }
+}
+
 }  // namespace
+
+TEST(RowPipeline, EveryHeightEveryForm) {
+    heights(kU8C1);
+    heights(kU8C3);
+    heights(kS16C1);
+    heights(kS16C3);
+    heights(kLowC1);
+    heights(kLowC3);
+    heights(kF32C1);
+    heights(kF32C3);
+}
 
 TEST(RowPipeline, Form8u16sC1MatchesReference) { sweep(kU8C1, {KernKind::Small, KernKind::Large}, {1, 2, 3, -1, 7, 1}); }
 TEST(RowPipeline, Form8u16sC3MatchesReference) { sweep(kU8C3, {KernKind::Small}, {1, 2, -3, 5}); }
