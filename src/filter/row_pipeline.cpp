@@ -16,7 +16,7 @@ namespace {
 // Per-thread work area S, in bytes, for kernel size K; part of the interface.
 struct AreaSize {
     int perTap, fixed;
-    int of(int K) const { return perTap * K + fixed; }
+    std::int64_t of(int K) const { return std::int64_t{perTap} * K + fixed; }
 };
 constexpr AreaSize kArea8u16sC1{36, 112}, kArea8u16sC3{60, 112}, kArea16sC1{48, 80}, kArea16sC3{40, 64},
     kAreaLowC1{24, 64}, kAreaLowC3{208, 64}, kArea32fC1{64, 64}, kArea32fC3{192, 32};
@@ -25,7 +25,10 @@ ZevStatus rowBufferSize(ZeviSize roi, int K, int* size, AreaSize area, int extra
     ZevStatus st = Check().ptrs(size).width(roi.width).height(roi.height).that(K >= 1, zevStsBadSize);
     if (st != zevStsNoError) return st;
     const int T = owncvGetMaxNumThreads();
-    *size = T * 32 + (roi.height + K) * T * 4 + T * area.of(K) + T * extraPerThread;
+    // Sizes past 2 GiB wrap as 32-bit arithmetic would, without undefined behaviour.
+    const std::int64_t bytes = std::int64_t{T} * 32 + (std::int64_t{roi.height} + K) * T * 4 + T * area.of(K) +
+                               std::int64_t{T} * extraPerThread;
+    *size = static_cast<int>(static_cast<std::uint32_t>(bytes));
     return zevStsNoError;
 }
 
@@ -87,7 +90,7 @@ ZevStatus row8u16s(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roi, co
                    int border, const Zev8u* value, int divisor, Zev8u* buffer) {
     ZevStatus st = checkRow<Zev8u, C>(src, srcStep, dst, roi, kernel, K, a, border, value, false, true, divisor, buffer);
     if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea8u16sC1 : kArea8u16sC3).of(K),
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, static_cast<int>((C == 1 ? kArea8u16sC1 : kArea8u16sC3).of(K)),
                       true, [&](void* coef) { return Row8u16s::make(kernel, K, divisor, coef); });
 }
 
@@ -96,7 +99,7 @@ ZevStatus row16s(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roi, con
                  int border, const Zev16s* value, int divisor, Zev8u* buffer) {
     ZevStatus st = checkRow<Zev16s, C>(src, srcStep, dst, roi, kernel, K, a, border, value, true, true, divisor, buffer);
     if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea16sC1 : kArea16sC3).of(K),
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, static_cast<int>((C == 1 ? kArea16sC1 : kArea16sC3).of(K)),
                       true, [&](void* coef) { return Row16s::make(kernel, K, divisor, coef); });
 }
 
@@ -105,7 +108,7 @@ ZevStatus rowLow16s(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roi, 
                     int border, const Zev16s* value, int divisor, Zev8u* buffer) {
     ZevStatus st = checkRow<Zev16s, C>(src, srcStep, dst, roi, kernel, K, a, border, value, true, true, divisor, buffer);
     if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kAreaLowC1 : kAreaLowC3).of(K),
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, static_cast<int>((C == 1 ? kAreaLowC1 : kAreaLowC3).of(K)),
                       true, [&](void* coef) {
                           RowLow16s r = RowLow16s::make(kernel, K, divisor, coef);
                           if (C == 1) r.wholeRowCase(roi.width, a, border, divisor);
@@ -120,7 +123,7 @@ ZevStatus row32f(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roi, con
     if (st != zevStsNoError) return st;
     // The one-channel float form also asks whether separable work may thread.
     const bool mayThread = C == 3 || runsepomp(K) != 0;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea32fC1 : kArea32fC3).of(K),
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, static_cast<int>((C == 1 ? kArea32fC1 : kArea32fC3).of(K)),
                       mayThread, [&](void* coef) { return Row32f::make(kernel, K, coef); });
 }
 
