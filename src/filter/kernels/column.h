@@ -49,13 +49,17 @@ template <>
 struct OutRange<Zev8u> {
     static constexpr float lo = 0.0f, hi = 255.0f;
     static Zev8u sat(int v) { return static_cast<Zev8u>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
-    static void store(Zev8u* p, __m128i v16) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v16, v16)); }
+    static void store(Zev8u* p, __m128i v16) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v16, v16));
+    }
 };
 template <>
 struct OutRange<Zev8s> {
     static constexpr float lo = -128.0f, hi = 127.0f;
     static Zev8s sat(int v) { return static_cast<Zev8s>(v < -128 ? -128 : (v > 127 ? 127 : v)); }
-    static void store(Zev8s* p, __m128i v16) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packs_epi16(v16, v16)); }
+    static void store(Zev8s* p, __m128i v16) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packs_epi16(v16, v16));
+    }
 };
 
 // Leading columns that take the vector rule.
@@ -141,13 +145,18 @@ struct ColLow16s : pipe::LowSum {
     bool simd = true;
 
     static ColLow16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
-        if (K > ColCoefs::kMaxTaps) return ColLow16s{pipe::LowSum{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, nullptr}, false};
+        if (K > ColCoefs::kMaxTaps)
+            return ColLow16s{pipe::LowSum{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, nullptr}, false};
         return ColLow16s{pipe::LowSum::make(kernel, K, divisor, coefs->w16)};
     }
     template <class Taps>
-    Dst vmid(const Taps& t, int e) const { return scalar(t, e); }
+    Dst vmid(const Taps& t, int e) const {
+        return scalar(t, e);
+    }
     template <class Taps>
-    Dst tail(const Taps& t, int e) const { return scalar(t, e); }
+    Dst tail(const Taps& t, int e) const {
+        return scalar(t, e);
+    }
 };
 
 // ---------------------------------------------------------------- 32f
@@ -163,9 +172,13 @@ struct Col32f : pipe::FloatSum {
         return Col32f{pipe::FloatSum::make(kernel, K, coefs->f)};
     }
     template <class Taps>
-    Dst vmid(const Taps& t, int e) const { return scalar(t, e); }
+    Dst vmid(const Taps& t, int e) const {
+        return scalar(t, e);
+    }
     template <class Taps>
-    Dst tail(const Taps& t, int e) const { return scalar(t, e); }
+    Dst tail(const Taps& t, int e) const {
+        return scalar(t, e);
+    }
 };
 
 // ---------------------------------------------------------------- driver
@@ -175,7 +188,8 @@ void ownColumnRows(const Rule& R, const typename Rule::Src* const* src, Dst* dst
     const int nVec = vectorColumns(W, R.K);
     for (int y = 0; y < rows; ++y) {
         pipe::DownRows<typename Rule::Src> t{src + y};
-        Dst* d = reinterpret_cast<Dst*>(reinterpret_cast<std::uint8_t*>(dst) + static_cast<std::ptrdiff_t>(y) * dstStep);
+        Dst* d =
+            reinterpret_cast<Dst*>(reinterpret_cast<std::uint8_t*>(dst) + static_cast<std::ptrdiff_t>(y) * dstStep);
         int e = 0;
         if constexpr (requires { R.bulk(t.rows, d, nVec); }) e = R.bulk(t.rows, d, nVec);
         if (R.simd)
