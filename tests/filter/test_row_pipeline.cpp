@@ -473,3 +473,37 @@ TEST(RowThreads, NullRowInABandFailsAndOtherBandsStayInside) {
     EXPECT_EQ(dst.row(10)[0], 7.0f);    // and so was the other band
     EXPECT_TRUE(dst.guardsIntact());
 }
+
+// Called from inside a caller's own parallel region the runtime may refuse the
+// inner team; the band split then follows the team it really got.
+TEST(RowThreads, InsideACallersRegionSameBits) {
+    zt::Threads scope(2);
+    const int w = 1024, h = 70;  // above the threshold for two threads
+    zt::Rng rng(13);
+    zt::Image<Zev16s> src(w, h);
+    src.fill([&] { return static_cast<Zev16s>(rng.uniform(-3000, 3000)); });
+    const Zev16s k[5] = {1, -3, 5, -3, 1};
+    int size = 0;
+    zeviFilterRowBorderPipelineGetBufferSize_16s_C1R(ZeviSize{w, h}, 5, &size);
+    auto run = [&](std::vector<Zev16s>& out) {
+        out.assign(static_cast<std::size_t>(w) * h, 0);
+        std::vector<Zev16s*> rows(h);
+        for (int y = 0; y < h; ++y) rows[y] = out.data() + static_cast<std::size_t>(y) * w;
+        std::vector<Zev8u> buf(size);
+        return zeviFilterRowBorderPipeline_16s_C1R(src.ptr(), src.step(), rows.data(), ZeviSize{w, h}, k, 5, 2,
+                                                   zevBorderMirrorR, 0, 3, buf.data());
+    };
+    std::vector<Zev16s> alone, inner[2];
+    ASSERT_EQ(run(alone), zevStsNoError);
+    ZevStatus st[2] = {zevStsUnspecified, zevStsUnspecified};
+#pragma omp parallel num_threads(2)
+    {
+        int id = omp_get_thread_num();
+        if (id < 2) st[id] = run(inner[id]);
+    }
+    for (int i = 0; i < omp_get_max_threads() && i < 2; ++i) {
+        if (st[i] == zevStsUnspecified) continue;  // the runtime gave a team of one
+        EXPECT_EQ(st[i], zevStsNoError);
+        EXPECT_TRUE(zt::sameBits(alone, inner[i]));
+    }
+}
