@@ -164,14 +164,14 @@ TEST(ColumnPipeline, EveryHeightEveryForm) {
 
 // Magnitudes: small weights (integer shortcut with divisor 1), mid, and large
 // enough for the clamp and saturation paths.
-TEST(ColumnPipeline, Form16sC1) { sweep(k16sC1, {3, 40, 30000}, {1, 2, 3, -1, 9, 1}); }
-TEST(ColumnPipeline, Form16sC3) { sweep(k16sC3, {3, 30000}, {1, 3, -2}); }
+TEST(ColumnPipeline, Form16sC1) { sweep(k16sC1, {3, 40, 30000}, {1, 2, 3, -1, 9, 16, 1, 256}); }
+TEST(ColumnPipeline, Form16sC3) { sweep(k16sC3, {3, 30000}, {1, 3, -2, 4}); }
 TEST(ColumnPipeline, FormLowC1) { sweep(kLowC1, {3, 30000}, {1, 16, 3, -5, 20000}); }
 TEST(ColumnPipeline, FormLowC3) { sweep(kLowC3, {3}, {1, 16, -7}); }
 TEST(ColumnPipeline, Form16s8uC1) { sweep(k8uC1, {3, 40}, {1, 64, -3, 300}); }
-TEST(ColumnPipeline, Form16s8uC3) { sweep(k8uC3, {3}, {1, 200}); }
+TEST(ColumnPipeline, Form16s8uC3) { sweep(k8uC3, {3}, {1, 200, 32}); }
 TEST(ColumnPipeline, Form16s8sC1) { sweep(k8sC1, {3, 40}, {1, 64, -3, 300}); }
-TEST(ColumnPipeline, Form16s8sC3) { sweep(k8sC3, {3}, {1, 200}); }
+TEST(ColumnPipeline, Form16s8sC3) { sweep(k8sC3, {3}, {1, 200, 8}); }
 TEST(ColumnPipeline, Form32fC1) { sweep(k32fC1, {1}, {1}); }
 TEST(ColumnPipeline, Form32fC3) { sweep(k32fC3, {1}, {1}); }
 

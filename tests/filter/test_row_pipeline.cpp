@@ -212,12 +212,12 @@ TEST(RowPipeline, EveryHeightEveryForm) {
     heights(kF32C3);
 }
 
-TEST(RowPipeline, Form8u16sC1MatchesReference) { sweep(kU8C1, {KernKind::Small, KernKind::Large}, {1, 2, 3, -1, 7, 1}); }
-TEST(RowPipeline, Form8u16sC3MatchesReference) { sweep(kU8C3, {KernKind::Small}, {1, 2, -3, 5}); }
+TEST(RowPipeline, Form8u16sC1MatchesReference) { sweep(kU8C1, {KernKind::Small, KernKind::Large}, {1, 2, 3, -1, 7, 16, 1, 256}); }
+TEST(RowPipeline, Form8u16sC3MatchesReference) { sweep(kU8C3, {KernKind::Small}, {1, 2, -3, 5, 8}); }
 TEST(RowPipeline, Form16sC1MatchesReference) {
-    sweep(kS16C1, {KernKind::Small, KernKind::Large, KernKind::Symmetric, KernKind::MinWeight}, {1, 2, 3, -1, 7});
+    sweep(kS16C1, {KernKind::Small, KernKind::Large, KernKind::Symmetric, KernKind::MinWeight}, {1, 2, 3, -1, 7, 64});
 }
-TEST(RowPipeline, Form16sC3MatchesReference) { sweep(kS16C3, {KernKind::Small, KernKind::Large}, {1, 3, -2}); }
+TEST(RowPipeline, Form16sC3MatchesReference) { sweep(kS16C3, {KernKind::Small, KernKind::Large}, {1, 3, -2, 4}); }
 TEST(RowPipeline, FormLowC1MatchesReference) {
     sweep(kLowC1, {KernKind::Small, KernKind::Large, KernKind::Symmetric}, {1, 16, 3, -5, 20000, 16});
 }

@@ -74,17 +74,17 @@ struct Col16s {
     const Zev16s* k;
     int K;
     float inv;
-    bool exact;  // divisor 1 and every partial sum exact in float: integer sums suffice
+    int shift;   // divisor 2^shift and every partial sum exact in float: integer sums and a rounding shift; else -1
     bool simd;
     const ColCoefs* c;
-    bool wide = false;  // exact, and the processor runs the 32-byte kernel
+    bool wide = false;  // shift >= 0, and the processor runs the 32-byte kernel
 
     static Col16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
         Col16s r{kernel, K, 1.0f / static_cast<float>(divisor), false, K <= ColCoefs::kMaxTaps, coefs};
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
-        r.exact = divisor == 1 && sumAbs * 32768.0f < 16777216.0f;
-        r.wide = r.exact && simd::hasAvx2();
+        r.shift = sumAbs * 32768.0f < 16777216.0f ? pipe::pow2Shift(divisor) : -1;
+        r.wide = r.shift >= 0 && simd::hasAvx2();
         if (r.simd) {
             // Each row enters as x << 16 against kernel * 2^-16 * inv: the same
             // products as x against kernel * inv, since both scalings are exact.
@@ -94,17 +94,17 @@ struct Col16s {
         return r;
     }
     int bulk(const Src* const* rows, Dst* dst, int count) const {
-        return wide ? ownColumnExact16s_avx2(rows, dst, count, k, K) : 0;
+        return wide ? ownColumnExact16s_avx2(rows, dst, count, k, K, shift) : 0;
     }
     float weight(int j) const { return ((static_cast<float>(k[j]) * 1.5258789e-5f) * inv) * 65536.0f; }
 
     // Vector rule, one column: float products in tap order, nearest, saturated.
     template <class Taps>
     Dst vmid(const Taps& t, int e) const {
-        if (exact) {
+        if (shift >= 0) {
             std::int32_t v = 0;
             for (int j = 0; j < K; ++j) v += static_cast<std::int32_t>(*t.at(j, e)) * k[j];
-            return OutRange<Dst>::sat(pipe::sat16(v));
+            return OutRange<Dst>::sat(pipe::sat16(pipe::roundShift(v, shift)));
         }
         float f = static_cast<float>(*t.at(0, e)) * weight(0);
         for (int j = 1; j < K; ++j) f += static_cast<float>(*t.at(j, e)) * weight(j);
@@ -122,10 +122,10 @@ struct Col16s {
     void vec(const Taps& t, int e, Dst* out) const {
         const int n = KT ? KT : K;
         __m128i r;
-        if (exact) {
+        if (shift >= 0) {
             __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
             pipe::maddTaps(t, e, c->pairs, 0, n, lo, hi);
-            r = _mm_packs_epi32(lo, hi);
+            r = _mm_packs_epi32(pipe::roundShift4(lo, shift), pipe::roundShift4(hi, shift));
         } else {
             __m128 lo, hi;
             pipe::floatTaps8(t, e, n, c->f, lo, hi);

@@ -8,12 +8,14 @@
 
 namespace v8 {
 
-// Row middle, 8-bit source, every partial sum inside 16 bits: n windows of
-// taps stepping by C elements, from src into dst.
-int ownRowNarrow8u16s_avx2(const Zev8u* src, int C, Zev16s* dst, int total, const Zev16s* kernel, int K);
+// Row middle, 8-bit source, every partial sum and rounding term inside 16 bits:
+// windows of taps stepping by C elements, divided by 2^shift rounding to even.
+int ownRowNarrow8u16s_avx2(const Zev8u* src, int C, Zev16s* dst, int total, const Zev16s* kernel, int K,
+                           int shift);
 
-// Column, 16-bit rows, divisor 1 and sums exact: 32-bit sums, saturated to Dst.
+// Column, 16-bit rows, sums exact: 32-bit sums divided by 2^shift rounding to
+// even, saturated to Dst.
 template <class Dst>
-int ownColumnExact16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const Zev16s* kernel, int K);
+int ownColumnExact16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const Zev16s* kernel, int K, int shift);
 
 }  // namespace v8
