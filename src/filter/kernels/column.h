@@ -34,6 +34,7 @@ struct ColCoefs {
     __m128 f[kMaxTaps];
     __m128i pairs[kMaxTaps / 2];
     __m128i w16[kMaxTaps];
+    float w[kMaxTaps];
 };
 
 template <class Dst>
@@ -80,21 +81,23 @@ struct Col16s {
     bool wide = false;  // shift >= 0, and the processor runs the 32-byte kernel
 
     static Col16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
-        Col16s r{kernel, K, 1.0f / static_cast<float>(divisor), false, K <= ColCoefs::kMaxTaps, coefs};
+        Col16s r{kernel, K, 1.0f / static_cast<float>(divisor), -1, K <= ColCoefs::kMaxTaps, coefs};
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
         r.shift = sumAbs * 32768.0f < 16777216.0f ? pipe::pow2Shift(divisor) : -1;
-        r.wide = r.shift >= 0 && simd::hasAvx2();
+        r.wide = simd::hasAvx2() && (r.shift >= 0 || K <= ColCoefs::kMaxTaps);
         if (r.simd) {
             // Each row enters as x << 16 against kernel * 2^-16 * inv: the same
             // products as x against kernel * inv, since both scalings are exact.
-            for (int j = 0; j < K; ++j) coefs->f[j] = _mm_set1_ps(r.weight(j));
+            for (int j = 0; j < K; ++j) coefs->f[j] = _mm_set1_ps(coefs->w[j] = r.weight(j));
             pipe::makePairs(kernel, K, coefs->pairs);
         }
         return r;
     }
     int bulk(const Src* const* rows, Dst* dst, int count) const {
-        return wide ? ownColumnExact16s_avx2(rows, dst, count, k, K, shift) : 0;
+        if (!wide) return 0;
+        if (shift >= 0) return ownColumnExact16s_avx2(rows, dst, count, k, K, shift);
+        return ownColumnFloat16s_avx2(rows, dst, count, c->w, K);
     }
     float weight(int j) const { return ((static_cast<float>(k[j]) * 1.5258789e-5f) * inv) * 65536.0f; }
 

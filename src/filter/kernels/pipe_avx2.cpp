@@ -1,3 +1,11 @@
+// This file is built with FMA enabled; a fused multiply-add rounds once where
+// the 16-byte kernels round twice, so contraction must stay off here.
+#ifdef __clang__
+#pragma STDC FP_CONTRACT OFF
+#else
+#pragma GCC optimize("fp-contract=off")
+#endif
+
 #include "filter/kernels/pipe_avx2.h"
 
 #include <immintrin.h>
@@ -78,6 +86,38 @@ int ownColumnExact16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const
     }
     return e;
 }
+
+template <class Dst>
+int ownColumnFloat16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const float* weight, int K) {
+    const __m256 lo16 = _mm256_set1_ps(-32768.0f), hi16 = _mm256_set1_ps(32767.0f);
+    int e = 0;
+    for (; e + 16 <= count; e += 16) {
+        __m256 lo = _mm256_setzero_ps(), hi = _mm256_setzero_ps();
+        for (int j = 0; j < K; ++j) {
+            const __m256 c = _mm256_set1_ps(weight[j]);
+            const Zev16s* p = rows[j] + e;
+            __m256 xl = _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+            __m256 xh =
+                _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8))));
+            if (j == 0) {
+                lo = _mm256_mul_ps(xl, c);
+                hi = _mm256_mul_ps(xh, c);
+            } else {
+                lo = _mm256_add_ps(lo, _mm256_mul_ps(xl, c));
+                hi = _mm256_add_ps(hi, _mm256_mul_ps(xh, c));
+            }
+        }
+        __m256i il = _mm256_cvtps_epi32(_mm256_min_ps(_mm256_max_ps(lo, lo16), hi16));
+        __m256i ih = _mm256_cvtps_epi32(_mm256_min_ps(_mm256_max_ps(hi, lo16), hi16));
+        // Packing works within 128-bit halves: restore the element order.
+        store16(dst + e, _mm256_permute4x64_epi64(_mm256_packs_epi32(il, ih), 0xD8));
+    }
+    return e;
+}
+
+template int ownColumnFloat16s_avx2<Zev16s>(const Zev16s* const*, Zev16s*, int, const float*, int);
+template int ownColumnFloat16s_avx2<Zev8u>(const Zev16s* const*, Zev8u*, int, const float*, int);
+template int ownColumnFloat16s_avx2<Zev8s>(const Zev16s* const*, Zev8s*, int, const float*, int);
 
 template int ownColumnExact16s_avx2<Zev16s>(const Zev16s* const*, Zev16s*, int, const Zev16s*, int, int);
 template int ownColumnExact16s_avx2<Zev8u>(const Zev16s* const*, Zev8u*, int, const Zev16s*, int, int);

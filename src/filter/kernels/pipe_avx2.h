@@ -18,4 +18,10 @@ int ownRowNarrow8u16s_avx2(const Zev8u* src, int C, Zev16s* dst, int total, cons
 template <class Dst>
 int ownColumnExact16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const Zev16s* kernel, int K, int shift);
 
+// Column, 16-bit rows, the float rule of the vector columns: products of each
+// row with weight[j] in tap order, clamped to 16 bits, rounded to nearest even,
+// saturated to Dst. The same operations lane by lane as the 16-byte kernel.
+template <class Dst>
+int ownColumnFloat16s_avx2(const Zev16s* const* rows, Dst* dst, int count, const float* weight, int K);
+
 }  // namespace v8
