@@ -402,3 +402,17 @@ TEST(PipelineChain, RingOfRowsThroughBothStages) {
             ASSERT_EQ(dst.row(y)[x], s) << x << "," << y;
         }
 }
+
+// Kernels longer than the coefficient registers hold take the scalar forms of
+// the same rules.
+TEST(ColumnPipeline, LongKernels) {
+    zt::Rng rng(61);
+    for (int K : {31, 32, 33, 40}) {
+        Case c{37, 3, K, 3, 1, true};
+        EXPECT_EQ(runAndCompare(k16sC1, c, kernelOf<Zev16s>(K, 20, rng), rng), 0) << K;
+        EXPECT_EQ(runAndCompare(kLowC1, c, kernelOf<Zev16s>(K, 20, rng), rng), 0) << K;
+        EXPECT_EQ(runAndCompare(k32fC1, c, kernelOf<Zev32f>(K, 1, rng), rng), 0) << K;
+        c.divisor = 1;
+        EXPECT_EQ(runAndCompare(k8uC1, c, kernelOf<Zev16s>(K, 20, rng), rng), 0) << K;
+    }
+}

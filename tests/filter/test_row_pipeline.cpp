@@ -507,3 +507,15 @@ TEST(RowThreads, InsideACallersRegionSameBits) {
         EXPECT_TRUE(zt::sameBits(alone, inner[i]));
     }
 }
+
+TEST(RowPipeline, LongKernels) {
+    zt::Rng rng(62);
+    for (int K : {17, 33, 40})
+        for (int w : {20, 60, 100}) {
+            Case s{w, 2, K, K / 3, zevBorderMirror, 3, 1};
+            EXPECT_EQ(runAndCompare(kU8C1, s, makeKernel<Zev16s>(K, KernKind::Small, rng), rng), 0);
+            EXPECT_EQ(runAndCompare(kS16C3, s, makeKernel<Zev16s>(K, KernKind::Small, rng), rng), 0);
+            EXPECT_EQ(runAndCompare(kLowC1, s, makeKernel<Zev16s>(K, KernKind::Small, rng), rng), 0);
+            EXPECT_EQ(runAndCompare(kF32C1, s, makeKernel<Zev32f>(K, KernKind::Small, rng), rng), 0);
+        }
+}

@@ -138,49 +138,35 @@ struct Col16s {
     }
 };
 
-// ---------------------------------------------------------------- Low 16s
+// ---------------------------------------------------------------- Low 16s, 32f
 
-// Every column takes the shared 16-bit rule, tail columns in scalar form.
-struct ColLow16s : pipe::LowSum {
-    using Src = Zev16s;
-    using Dst = Zev16s;
-    static constexpr int kLanes = 8;
+// A rule shared with the rows that every column takes alike, tail columns in
+// scalar form. Kernels longer than the coefficient block run scalar throughout.
+template <class Rule, class T, int Lanes>
+struct ColAlike : Rule {
+    using Src = T;
+    using Dst = T;
+    static constexpr int kLanes = Lanes;
     bool simd = true;
 
+    template <class Taps>
+    Dst vmid(const Taps& t, int e) const { return this->scalar(t, e); }
+    template <class Taps>
+    Dst tail(const Taps& t, int e) const { return this->scalar(t, e); }
+};
+
+struct ColLow16s : ColAlike<pipe::LowSum, Zev16s, 8> {
     static ColLow16s make(const Zev16s* kernel, int K, int divisor, ColCoefs* coefs) {
         if (K > ColCoefs::kMaxTaps)
-            return ColLow16s{pipe::LowSum{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, nullptr}, false};
-        return ColLow16s{pipe::LowSum::make(kernel, K, divisor, coefs->w16)};
-    }
-    template <class Taps>
-    Dst vmid(const Taps& t, int e) const {
-        return scalar(t, e);
-    }
-    template <class Taps>
-    Dst tail(const Taps& t, int e) const {
-        return scalar(t, e);
+            return {{{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, nullptr}, false}};
+        return {{pipe::LowSum::make(kernel, K, divisor, coefs->w16)}};
     }
 };
 
-// ---------------------------------------------------------------- 32f
-
-struct Col32f : pipe::FloatSum {
-    using Src = Zev32f;
-    using Dst = Zev32f;
-    static constexpr int kLanes = 4;
-    bool simd = true;
-
+struct Col32f : ColAlike<pipe::FloatSum, Zev32f, 4> {
     static Col32f make(const Zev32f* kernel, int K, ColCoefs* coefs) {
-        if (K > ColCoefs::kMaxTaps) return Col32f{pipe::FloatSum{kernel, K, nullptr}, false};
-        return Col32f{pipe::FloatSum::make(kernel, K, coefs->f)};
-    }
-    template <class Taps>
-    Dst vmid(const Taps& t, int e) const {
-        return scalar(t, e);
-    }
-    template <class Taps>
-    Dst tail(const Taps& t, int e) const {
-        return scalar(t, e);
+        if (K > ColCoefs::kMaxTaps) return {{{kernel, K, nullptr}, false}};
+        return {{pipe::FloatSum::make(kernel, K, coefs->f)}};
     }
 };
 
