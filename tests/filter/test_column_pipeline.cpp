@@ -69,7 +69,7 @@ struct Case {
 // Source rows live in one guarded pool; each call reads h+K-1 pointers into it.
 template <class F>
 int runAndCompare(const F& f, const Case& c, const std::vector<typename F::Src>& k, zt::Rng& rng,
-                  std::vector<typename F::Dst>* out = nullptr) {
+                  std::vector<typename F::Dst>* out = nullptr, bool checkRef = true) {
     using Src = typename F::Src;
     using Dst = typename F::Dst;
     constexpr int C = F::C;
@@ -91,7 +91,7 @@ int runAndCompare(const F& f, const Case& c, const std::vector<typename F::Src>&
     for (std::size_t i = size; i < buf.size(); ++i) EXPECT_EQ(buf[i], 0xA5) << f.name << " wrote past its buffer";
     const int W = c.w * C;
     int bad = 0;
-    for (int y = 0; y < c.h; ++y)
+    for (int y = 0; y < (checkRef ? c.h : 0); ++y)
         for (int e = 0; e < W; ++e) {
             std::vector<Src> v(c.K);
             for (int i = 0; i < c.K; ++i) v[i] = rows[y + i][e];
@@ -342,7 +342,7 @@ TEST_P(ColumnThreads, SameBitsAsOneThread) {
             }
             {
                 zt::Threads scope(T);
-                runAndCompare(k8sC1, c, k, r2, &many);
+                runAndCompare(k8sC1, c, k, r2, &many, false);  // the bits are compared below
             }
             EXPECT_TRUE(zt::sameBits(one, many)) << T << " threads " << sh.w << "x" << sh.h << " K" << K;
         }
@@ -357,7 +357,7 @@ TEST_P(ColumnThreads, SameBitsAsOneThread) {
     }
     {
         zt::Threads scope(T);
-        runAndCompare(k16sC3, c3, k, r2, &many);
+        runAndCompare(k16sC3, c3, k, r2, &many, false);
     }
     EXPECT_TRUE(zt::sameBits(one, many));
 }

@@ -106,7 +106,7 @@ struct Case {
 // number of mismatching outputs (the first few are reported).
 template <class F>
 int runAndCompare(const F& f, const Case& s, const std::vector<typename F::Kern>& k, zt::Rng& rng,
-                  std::vector<typename F::Dst>* out = nullptr) {
+                  std::vector<typename F::Dst>* out = nullptr, bool checkRef = true) {
     using Src = typename F::Src;
     using Dst = typename F::Dst;
     constexpr int C = F::C;
@@ -124,7 +124,7 @@ int runAndCompare(const F& f, const Case& s, const std::vector<typename F::Kern>
     EXPECT_TRUE(src.guardsIntact()) << f.name;
     EXPECT_TRUE(buf.tailIntact()) << f.name << " wrote past its buffer";
     int bad = 0;
-    for (int y = 0; y < s.h; ++y)
+    for (int y = 0; y < (checkRef ? s.h : 0); ++y)
         for (int x = 0; x < s.w; ++x)
             for (int c = 0; c < C; ++c) {
                 auto win = ref::window(src.row(y), s.w, C, c, x, s.K, s.a, s.border, value[c]);
@@ -445,7 +445,7 @@ TEST_P(RowThreads, SameBitsAsOneThread) {
             }
             {
                 zt::Threads scope(T);
-                runAndCompare(kS16C1, s, k, r2, &many);
+                runAndCompare(kS16C1, s, k, r2, &many, false);  // the bits are compared below
             }
             EXPECT_TRUE(zt::sameBits(one, many)) << T << " threads, " << sh.w << "x" << sh.h << " K" << K;
         }
