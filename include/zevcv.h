@@ -492,6 +492,76 @@ ZEVAPI ZevStatus zeviAddWeighted_32f_C1IMR(const Zev32f* src, int srcStep, const
                                            Zev32f* srcDst, int srcDstStep, ZeviSize roiSize, Zev32f alpha);
 ZEVAPI ZevStatus zeviAddWeighted_32f_C1R(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
                                          Zev32f* dst, int dstStep, ZeviSize roiSize, Zev32f alpha);
+/* ---- row border pipeline: 1-D kernel along rows, rows delivered through row pointers */
+
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                       const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                       int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_8u16s_C3R(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                       const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                       int borderType, const Zev8u* borderValue, int divisor,
+                                                       Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_16s_C1R(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                     const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     Zev16s borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_16s_C3R(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                     const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     const Zev16s* borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_Low_16s_C1R(const Zev16s* src, int srcStep, Zev16s** dst,
+                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
+                                                         int xAnchor, int borderType, Zev16s borderValue, int divisor,
+                                                         Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_Low_16s_C3R(const Zev16s* src, int srcStep, Zev16s** dst,
+                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
+                                                         int xAnchor, int borderType, const Zev16s* borderValue,
+                                                         int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_32f_C1R(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roiSize,
+                                                     const Zev32f* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_32f_C3R(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roiSize,
+                                                     const Zev32f* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     const Zev32f* borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_8u16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+
+/* ---- column pipeline: K intermediate rows through row pointers into one output row */
+
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s_C1R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s_C3R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_Low_16s_C1R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_Low_16s_C3R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8u_C1R(const Zev16s** src, Zev8u* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8u_C3R(const Zev16s** src, Zev8u* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8s_C1R(const Zev16s** src, Zev8s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8s_C3R(const Zev16s** src, Zev8s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_32f_C1R(const Zev32f** src, Zev32f* dst, int dstStep, ZeviSize roiSize,
+    const Zev32f* kernel, int kernelSize, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_32f_C3R(const Zev32f** src, Zev32f* dst, int dstStep, ZeviSize roiSize,
+    const Zev32f* kernel, int kernelSize, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_Low_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_Low_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8u_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8u_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
