@@ -26,14 +26,7 @@ bool streamStores(int width, int rows) {
 
 template <class T>
 ZevStatus absDiff(const T* src1, int src1Step, const T* src2, int src2Step, T* dst, int dstStep, ZeviSize roi) {
-    const std::int64_t row = rowBytes<T>(roi.width);
-    ZevStatus st = Check()
-                       .ptrs(src1, src2, dst)
-                       .roi(roi)
-                       .step(src1Step, row)
-                       .step(src2Step, row)
-                       .step(dstStep, row)
-                       .multiple(sizeof(T), src1Step, src2Step, dstStep);
+    ZevStatus st = checkTwoSourcesOneDest(src1, src1Step, src2, src2Step, dst, dstStep, roi);
     if (st != zevStsNoError) return st;
     const bool avx2 = simd::hasAvx2();
     runRegion(roi.width, roi.height, [&](const Band& b) {

@@ -251,14 +251,7 @@ ZevStatus ZEVFN(zeviAddWeighted_32f_C1IMR)(const Zev32f* src, int srcStep, const
 // dst = (src1 - src2) * alpha + src2, not in place: always one serial call.
 ZevStatus ZEVFN(zeviAddWeighted_32f_C1R)(const Zev32f* src1, int src1Step, const Zev32f* src2, int src2Step,
                                          Zev32f* dst, int dstStep, ZeviSize roiSize, Zev32f alpha) {
-    const std::int64_t row = rowBytes<Zev32f>(roiSize.width);
-    ZevStatus st = Check()
-                       .ptrs(src1, src2, dst)
-                       .roi(roiSize)
-                       .step(src1Step, row)
-                       .step(src2Step, row)
-                       .step(dstStep, row)
-                       .multiple(sizeof(Zev32f), src1Step, src2Step, dstStep);
+    ZevStatus st = checkTwoSourcesOneDest(src1, src1Step, src2, src2Step, dst, dstStep, roiSize);
     if (st != zevStsNoError) return st;
     AccumArgs<Zev32f> a;
     a.src1 = src1, a.src1Step = src1Step;

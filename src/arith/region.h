@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "frame/bands.h"
+#include "frame/check.h"
 #include "frame/core.h"
 
 namespace v8 {
@@ -30,6 +31,21 @@ inline bool beyondCache(std::int64_t touchedBytes) {
     int cacheBytes = 0;
     zevGetMaxCacheSizeB(&cacheBytes);
     return !(touchedBytes < cacheBytes);
+}
+
+// The chain of a function with two sources and a destination of one element
+// type: pointers, size, each step against the row, then the step multiples.
+template <class T>
+ZevStatus checkTwoSourcesOneDest(const T* src1, int src1Step, const T* src2, int src2Step, const T* dst,
+                                 int dstStep, ZeviSize roi) {
+    const std::int64_t row = rowBytes<T>(roi.width);
+    return Check()
+        .ptrs(src1, src2, dst)
+        .roi(roi)
+        .step(src1Step, row)
+        .step(src2Step, row)
+        .step(dstStep, row)
+        .multiple(sizeof(T), src1Step, src2Step, dstStep);
 }
 
 }  // namespace v8
