@@ -1,0 +1,95 @@
+// The streaming engine of the fixed filters: source rows go through the row
+// routine into a ring of intermediate rows, and every output row is made by the
+// column routine from the ring rows around it. Rows above and below the region
+// are either read from memory (in-memory flags) or made from the region's own
+// rows by the vertical border rule, always as row-filtered rows; the constant
+// border is a row of the row kernel's sum times the border value.
+#pragma once
+
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+
+#include "filter/border.h"
+#include "filter/kernels/fixed_tables.h"
+#include "zevcv.h"
+
+namespace v8::fixed {
+
+constexpr int kConstRow = INT_MIN;
+
+// Which source row (relative to the band's first row) virtual row j reads, or
+// kConstRow. y0 and imageHeight place the band in the whole image: wrap reaches
+// the image's other end, not the band's.
+inline int ownSourceRow(int j, int rows, int border, int y0, int imageHeight) {
+    if (j >= 0 && j < rows) return j;
+    if ((j < 0 && inMemTop(border)) || (j >= rows && inMemBottom(border))) return j;
+    const int code = borderCode(border);
+    if (code == zevBorderConst) return kConstRow;
+    if (code == zevBorderWrap) {
+        int y = (y0 + j) % imageHeight;
+        if (y < 0) y += imageHeight;
+        return y - y0;
+    }
+    // Mirrors walk to and fro over the band, going on past an end that is memory.
+    return borderIndex(j, rows, code, inMemTop(border), inMemBottom(border));
+}
+
+// Elements of one plane of a ring row.
+inline int ownRingPlane(int width) { return (width + 7) & ~7; }
+
+inline std::size_t ownRingSlotBytes(int width, int planes, std::size_t midBytes) {
+    return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 63) & ~std::size_t{63};
+}
+
+// Bytes the engine takes from its buffer.
+inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes) {
+    return 64 + 64 + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes);
+}
+
+template <class Src, class Mid>
+struct RowStage {
+    RowFn<Src, Mid> fn;
+    int K;        // taps of the row kernel
+    int planes;   // 2 for the Laplacian's side sums and centre terms
+    Src value;    // horizontal constant border value
+    Mid constant; // the vertical constant row: kernel sum times the border value
+};
+
+// Runs the region [0, rows) of a band whose first row is src. col(window, y)
+// makes output row y from window[0..Kc-1], the ring rows y-Kc/2 .. y+Kc-1-Kc/2.
+template <class Src, class Mid, class Col>
+void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, const RowStage<Src, Mid>& rs, int Kc,
+                          int border, std::uint8_t* buffer, int y0, int imageHeight, Col&& col) {
+    const int b = Kc / 2, below = Kc - 1 - b;
+    const int plane = ownRingPlane(width);
+    const std::size_t slotBytes = ownRingSlotBytes(width, rs.planes, sizeof(Mid));
+    std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 63) & ~std::uintptr_t{63});
+    Src* line = reinterpret_cast<Src*>(base);
+    std::uint8_t* ring = base + 64;
+    Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);
+    const int hborder = withoutRowFlags(border);
+
+    if (borderCode(border) == zevBorderConst && !(inMemTop(border) && inMemBottom(border))) {
+        const int n = plane * rs.planes;
+        for (int i = 0; i < n; ++i) constRow[i] = rs.constant;
+    }
+
+    const Mid* window[8] = {};
+    for (int j = -b; j < rows + below; ++j) {
+        const int s = ownSourceRow(j, rows, border, y0, imageHeight);
+        const Mid* p = constRow;
+        if (s != kConstRow) {
+            Mid* slot = reinterpret_cast<Mid*>(ring + ((j + b) % Kc) * slotBytes);
+            const Src* row = reinterpret_cast<const Src*>(reinterpret_cast<const std::uint8_t*>(src) +
+                                                          static_cast<std::ptrdiff_t>(s) * srcStep);
+            rs.fn(row, slot, width, plane, hborder, rs.value, line);
+            p = slot;
+        }
+        for (int k = 0; k + 1 < Kc; ++k) window[k] = window[k + 1];
+        window[Kc - 1] = p;
+        if (j >= below) col(static_cast<const Mid* const*>(window), j - below);
+    }
+}
+
+}  // namespace v8::fixed

@@ -1,0 +1,16 @@
+// Fixed-filter row and column tables for 16-byte registers (the floor).
+#define FIXED_ISA ssse3
+#define FIXED_VI VecI16x8
+#define FIXED_VF VecF32x4
+#include "filter/kernels/fixed_kernels.h"
+
+namespace v8::fixed {
+
+const KernelSet& fixedKernelsSsse3() { return ssse3::kernelSet(); }
+
+const KernelSet& fixedKernels() {
+    static const KernelSet& set = simd::hasAvx2() ? fixedKernelsAvx2() : fixedKernelsSsse3();
+    return set;
+}
+
+}  // namespace v8::fixed
