@@ -29,6 +29,12 @@ public:
         base_ = raw_.data() + ((64 - (p & 63)) & 63);
         for (std::size_t i = 0; i < size_; ++i) base_[i] = pattern(i);
     }
+    // A copy has its own buffer, with the same geometry and alignment.
+    GuardedBytes(const GuardedBytes& o) : GuardedBytes(o.rowBytes_, o.height_, o.step_ - o.rowBytes_, o.front_ - 64) {
+        std::memcpy(base_, o.base_, size_);
+        saved_ = o.saved_;
+    }
+    GuardedBytes& operator=(const GuardedBytes&) = delete;
     std::uint8_t* origin() { return base_ + front_; }
     const std::uint8_t* origin() const { return base_ + front_; }
     int step() const { return step_; }
