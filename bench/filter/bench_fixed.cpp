@@ -1,0 +1,97 @@
+// Fixed filters at 1920x1080 with replicated borders against the peer's Sobel,
+// Scharr, Laplacian and box filter on the same frame.
+#include <vector>
+
+#include "common/bench_util.h"
+#include "zevcv.h"
+
+#ifdef ZEV_HAVE_OPENCV
+#include <opencv2/imgproc.hpp>
+#endif
+
+namespace {
+
+struct Frames {
+    zb::Plane<Zev8u> src8, dst8;
+    zb::Plane<Zev16s> dst16;
+    zb::Plane<Zev32f> src32, dst32;
+    std::vector<Zev8u> buffer;
+    Frames() {
+        src8.fill([](int x, int y) { return zb::scene(x, y); });
+        src32.fill([](int x, int y) { return static_cast<float>(zb::scene(x, y)); });
+        buffer.resize(64 << 20);  // any thread count of this machine
+    }
+};
+
+Frames& frames() {
+    static Frames f;
+    return f;
+}
+
+constexpr ZeviSize kRoi{zb::kW, zb::kH};
+constexpr int kRep = zevBorderReplicate;
+
+void registerAll() {
+    Frames& f = frames();
+    Zev8u* buf = f.buffer.data();
+
+#define ZEV_8U16S(name, call)                                                                                    \
+    zb::registerPair("zev", name, [&f, buf](benchmark::State&) {                                                 \
+        call(f.src8.data, f.src8.step, f.dst16.data, f.dst16.step, kRoi, 33, kRep, 0, buf);                      \
+    })
+    ZEV_8U16S("sobel_dx_3x3_8u16s", zeviFilterSobelVertBorder_8u16s_C1R);
+    ZEV_8U16S("sobel_dy_3x3_8u16s", zeviFilterSobelHorizBorder_8u16s_C1R);
+    ZEV_8U16S("laplacian_3x3_8u16s", zeviFilterLaplacianBorder_8u16s_C1R);
+#undef ZEV_8U16S
+    zb::registerPair("zev", "sobel_dx_5x5_8u16s", [&f, buf](benchmark::State&) {
+        zeviFilterSobelVertBorder_8u16s_C1R(f.src8.data, f.src8.step, f.dst16.data, f.dst16.step, kRoi, 55, kRep, 0,
+                                            buf);
+    });
+    zb::registerPair("zev", "scharr_dx_8u16s", [&f, buf](benchmark::State&) {
+        zeviFilterScharrVertBorder_8u16s_C1R(f.src8.data, f.src8.step, f.dst16.data, f.dst16.step, kRoi, kRep, 0, buf);
+    });
+    for (int mask : {33, 55}) {
+        const char* n32 = mask == 33 ? "sobel_dx_3x3_32f" : "sobel_dx_5x5_32f";
+        zb::registerPair("zev", n32, [&f, buf, mask](benchmark::State&) {
+            zeviFilterSobelVertBorder_32f_C1R(f.src32.data, f.src32.step, f.dst32.data, f.dst32.step, kRoi, mask, kRep,
+                                              0.0f, buf);
+        });
+        const char* nb = mask == 33 ? "blur_3x3_8u" : "blur_5x5_8u";
+        zb::registerPair("zev", nb, [&f, buf, mask](benchmark::State&) {
+            zeviFilterLowpassBorder_8u_C1R(f.src8.data, f.src8.step, f.dst8.data, f.dst8.step, kRoi, mask, kRep, 0, buf);
+        });
+    }
+
+#ifdef ZEV_HAVE_OPENCV
+    auto cvSobel = [&f](int depth, bool f32, int dx, int dy, int k) {
+        return [&f, depth, f32, dx, dy, k](benchmark::State&) {
+            cv::Mat s = f32 ? f.src32.mat(CV_32FC1) : f.src8.mat(CV_8UC1);
+            cv::Mat d = f32 ? f.dst32.mat(CV_32FC1) : f.dst16.mat(CV_16SC1);
+            cv::Sobel(s, d, depth, dx, dy, k, 1, 0, cv::BORDER_REPLICATE);
+        };
+    };
+    zb::registerPair("peer", "sobel_dx_3x3_8u16s", cvSobel(CV_16S, false, 1, 0, 3));
+    zb::registerPair("peer", "sobel_dy_3x3_8u16s", cvSobel(CV_16S, false, 0, 1, 3));
+    zb::registerPair("peer", "sobel_dx_5x5_8u16s", cvSobel(CV_16S, false, 1, 0, 5));
+    zb::registerPair("peer", "sobel_dx_3x3_32f", cvSobel(CV_32F, true, 1, 0, 3));
+    zb::registerPair("peer", "sobel_dx_5x5_32f", cvSobel(CV_32F, true, 1, 0, 5));
+    zb::registerPair("peer", "scharr_dx_8u16s", [&f](benchmark::State&) {
+        cv::Mat s = f.src8.mat(CV_8UC1), d = f.dst16.mat(CV_16SC1);
+        cv::Scharr(s, d, CV_16S, 1, 0, 1, 0, cv::BORDER_REPLICATE);
+    });
+    zb::registerPair("peer", "laplacian_3x3_8u16s", [&f](benchmark::State&) {
+        cv::Mat s = f.src8.mat(CV_8UC1), d = f.dst16.mat(CV_16SC1);
+        cv::Laplacian(s, d, CV_16S, 3, 1, 0, cv::BORDER_REPLICATE);
+    });
+    for (int k : {3, 5}) {
+        zb::registerPair("peer", k == 3 ? "blur_3x3_8u" : "blur_5x5_8u", [&f, k](benchmark::State&) {
+            cv::Mat s = f.src8.mat(CV_8UC1), d = f.dst8.mat(CV_8UC1);
+            cv::blur(s, d, cv::Size(k, k), cv::Point(-1, -1), cv::BORDER_REPLICATE);
+        });
+    }
+#endif
+}
+
+}  // namespace
+
+ZEV_BENCH_MAIN(registerAll)
