@@ -152,6 +152,44 @@ ZEVAPI ZevStatus zeviAbsDiffC_16u_C1R(const Zev16u* src, int srcStep, Zev16u* ds
 ZEVAPI ZevStatus zeviAbsDiffC_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
                                       ZeviSize roiSize, Zev32f value);
 
+/* ---- row border pipeline: 1-D kernel along rows, rows delivered through row pointers */
+
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                       const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                       int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_8u16s_C3R(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                       const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                       int borderType, const Zev8u* borderValue, int divisor,
+                                                       Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_16s_C1R(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                     const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     Zev16s borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_16s_C3R(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                     const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     const Zev16s* borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_Low_16s_C1R(const Zev16s* src, int srcStep, Zev16s** dst,
+                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
+                                                         int xAnchor, int borderType, Zev16s borderValue, int divisor,
+                                                         Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_Low_16s_C3R(const Zev16s* src, int srcStep, Zev16s** dst,
+                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
+                                                         int xAnchor, int borderType, const Zev16s* borderValue,
+                                                         int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_32f_C1R(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roiSize,
+                                                     const Zev32f* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipeline_32f_C3R(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roiSize,
+                                                     const Zev32f* kernel, int kernelSize, int xAnchor, int borderType,
+                                                     const Zev32f* borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_8u16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+
 /* ---- fixed derivative and smoothing filters: Sobel, Scharr, Laplacian, lowpass */
 
 ZEVAPI ZevStatus zeviFilterSobelHorizBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,

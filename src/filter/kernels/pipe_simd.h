@@ -1,0 +1,170 @@
+// Pieces shared by the row and column kernels of the separable pipelines: how a
+// window's taps are reached (along a row, or down a set of row pointers), the
+// tap sums in their three precisions, and the scalar conversions whose rounding
+// is part of the results.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+namespace v8::pipe {
+
+// ---------------------------------------------------------------- scalar rules
+
+// Round to nearest, ties to even, exactly as the vector conversion does it:
+// a value outside the int range gives INT_MIN.
+inline int cvtRound(float f) { return _mm_cvtss_si32(_mm_set_ss(f)); }
+
+inline std::int16_t sat16(int v) {
+    return static_cast<std::int16_t>(v < -32768 ? -32768 : (v > 32767 ? 32767 : v));
+}
+
+// Nearest even, saturated to 16 bits. Clamping first gives the same value as
+// saturating the rounded result, and keeps sums beyond the int range saturating
+// instead of turning into INT_MIN.
+inline std::int16_t roundSat16(float f) {
+    f = f < -32768.0f ? -32768.0f : f;
+    f = f > 32767.0f ? 32767.0f : f;
+    return static_cast<std::int16_t>(cvtRound(f));
+}
+
+// Clamp to [lo, hi], then truncate toward zero.
+inline int truncClamp(float f, float lo, float hi) {
+    f = f < lo ? lo : f;
+    f = f > hi ? hi : f;
+    return static_cast<int>(f);
+}
+
+// Wrapping integer arithmetic without undefined behaviour.
+inline std::int32_t wrapAdd(std::int32_t a, std::int32_t b) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
+}
+inline std::int32_t wrapMul(std::int32_t a, std::int32_t b) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+}
+
+// Q14 reciprocal of a Low divisor, cut to 16 bits.
+inline std::int16_t lowReciprocal(int divisor) {
+    return static_cast<std::int16_t>(static_cast<int>(16384.0f / static_cast<float>(divisor)));
+}
+
+// The interior rule of Low: a 16-bit wrapped sum, scaled by the Q14 reciprocal.
+inline std::int16_t lowScale(std::int16_t sum, std::int16_t r, bool unit) {
+    if (unit) return sum;
+    return sat16((static_cast<std::int32_t>(sum) * r) >> 14);
+}
+
+// ---------------------------------------------------------------- tap access
+
+// Taps of a window along one row: tap j of element e is p[e + j * stride].
+template <class T>
+struct AlongRow {
+    const T* p;
+    int stride;
+    const T* at(int j, int e) const { return p + e + static_cast<std::ptrdiff_t>(j) * stride; }
+};
+
+// Taps down a set of rows: tap j of element e is rows[j][e].
+template <class T>
+struct DownRows {
+    const T* const* rows;
+    const T* at(int j, int e) const { return rows[j] + e; }
+};
+
+// ---------------------------------------------------------------- vector loads
+
+// Eight elements as signed 16-bit lanes.
+inline __m128i load8x16(const std::uint8_t* p) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+}
+inline __m128i load8x16(const std::int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+
+// Sign-extended halves of eight 16-bit lanes, as floats.
+inline void widen16to32f(__m128i v, __m128& lo, __m128& hi) {
+    lo = _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16));
+    hi = _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpackhi_epi16(v, v), 16));
+}
+
+// ---------------------------------------------------------------- tap sums
+
+// Coefficient block for the pairwise multiply-add: register i holds the pair
+// (k[2i], k[2i+1]) in every 32-bit lane, the last pair of an odd K padded by 0.
+inline void makePairs(const std::int16_t* k, int K, __m128i* pairs) {
+    for (int i = 0; 2 * i < K; ++i) {
+        std::uint16_t k0 = static_cast<std::uint16_t>(k[2 * i]);
+        std::uint16_t k1 = 2 * i + 1 < K ? static_cast<std::uint16_t>(k[2 * i + 1]) : 0;
+        pairs[i] = _mm_set1_epi32(static_cast<int>(k0 | (static_cast<std::uint32_t>(k1) << 16)));
+    }
+}
+
+// 32-bit wrapping sums of taps [j0, j1) for eight elements from e; j0 is even.
+// A lone last tap is paired with zero, so the pair's second weight drops out.
+template <class Taps>
+inline void maddTaps(const Taps& t, int e, const __m128i* pairs, int j0, int j1, __m128i& lo, __m128i& hi) {
+    const __m128i zero = _mm_setzero_si128();
+    int j = j0;
+    for (; j + 1 < j1; j += 2) {
+        __m128i a = load8x16(t.at(j, e)), b = load8x16(t.at(j + 1, e));
+        lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(a, b), pairs[j >> 1]));
+        hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(a, b), pairs[j >> 1]));
+    }
+    if (j < j1) {
+        __m128i a = load8x16(t.at(j, e));
+        if (j & 1) {  // weight sits in the pair's upper half
+            lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(zero, a), pairs[j >> 1]));
+            hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(zero, a), pairs[j >> 1]));
+        } else {
+            lo = _mm_add_epi32(lo, _mm_madd_epi16(_mm_unpacklo_epi16(a, zero), pairs[j >> 1]));
+            hi = _mm_add_epi32(hi, _mm_madd_epi16(_mm_unpackhi_epi16(a, zero), pairs[j >> 1]));
+        }
+    }
+}
+
+// Float sum in tap order, k[0]*x[0] first, for eight 16-bit elements.
+template <class Taps>
+inline void floatTaps8(const Taps& t, int e, int K, const __m128* c, __m128& lo, __m128& hi) {
+    __m128 xl, xh;
+    widen16to32f(load8x16(t.at(0, e)), xl, xh);
+    lo = _mm_mul_ps(xl, c[0]);
+    hi = _mm_mul_ps(xh, c[0]);
+    for (int j = 1; j < K; ++j) {
+        widen16to32f(load8x16(t.at(j, e)), xl, xh);
+        lo = _mm_add_ps(lo, _mm_mul_ps(xl, c[j]));
+        hi = _mm_add_ps(hi, _mm_mul_ps(xh, c[j]));
+    }
+}
+
+// Float sum in tap order for four float elements.
+template <class Taps>
+inline __m128 floatTaps4(const Taps& t, int e, int K, const __m128* c) {
+    __m128 acc = _mm_mul_ps(_mm_loadu_ps(t.at(0, e)), c[0]);
+    for (int j = 1; j < K; ++j) acc = _mm_add_ps(acc, _mm_mul_ps(_mm_loadu_ps(t.at(j, e)), c[j]));
+    return acc;
+}
+
+// 16-bit wrapping sum of eight elements: every product keeps its low 16 bits.
+template <class Taps>
+inline __m128i lowTaps8(const Taps& t, int e, int K, const __m128i* k16) {
+    __m128i acc = _mm_mullo_epi16(load8x16(t.at(0, e)), k16[0]);
+    for (int j = 1; j < K; ++j) acc = _mm_add_epi16(acc, _mm_mullo_epi16(load8x16(t.at(j, e)), k16[j]));
+    return acc;
+}
+
+// Low's scaling of a wrapped sum: (sum * r) >> 14 in 32 bits, saturated.
+inline __m128i lowScale8(__m128i sum, __m128i r) {
+    __m128i pl = _mm_mullo_epi16(sum, r), ph = _mm_mulhi_epi16(sum, r);
+    __m128i lo = _mm_srai_epi32(_mm_unpacklo_epi16(pl, ph), 14);
+    __m128i hi = _mm_srai_epi32(_mm_unpackhi_epi16(pl, ph), 14);
+    return _mm_packs_epi32(lo, hi);
+}
+
+inline __m128 clamp16f(__m128 v) {
+    return _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-32768.0f)), _mm_set1_ps(32767.0f));
+}
+// Two float halves to eight 16-bit lanes: nearest even, saturated (as roundSat16).
+inline __m128i roundPack(__m128 lo, __m128 hi) {
+    return _mm_packs_epi32(_mm_cvtps_epi32(clamp16f(lo)), _mm_cvtps_epi32(clamp16f(hi)));
+}
+
+}  // namespace v8::pipe
