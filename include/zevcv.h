@@ -190,7 +190,7 @@ ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(ZeviSize r
 ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 
-/* ---- fixed derivative and smoothing filters: Sobel, Scharr, Laplacian, lowpass */
+/* ---- fixed derivative and smoothing filters: Sobel, Scharr, Laplacian, lowpass, Gaussian */
 
 ZEVAPI ZevStatus zeviFilterSobelHorizBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
     ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
@@ -279,6 +279,9 @@ ZEVAPI ZevStatus zeviFilterLowpassBorder_32f_C1R(const Zev32f* src, int srcStep,
     ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
 ZEVAPI ZevStatus zeviFilterLowpassGetBufferSize_8u_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
 ZEVAPI ZevStatus zeviFilterLowpassGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterGaussBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int kernelSize, Zev32f sigma, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterGaussGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 ZEVAPI ZevStatus zeviGenSobelKernel_16s(Zev16s* kernel, int kernelSize, int order, int sign);
 ZEVAPI ZevStatus zeviGenSobelKernel_32f(Zev32f* kernel, int kernelSize, int order, int sign);
 

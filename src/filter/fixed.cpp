@@ -16,7 +16,14 @@ namespace v8 {
 namespace {
 
 using fixed::KernelSet;
-using fixed::RowStage;
+
+// The row stage of one pass: the row routine, its shape and the vertical constant.
+template <class Src, class Mid>
+struct RowStage {
+    fixed::RowFn<Src, Mid> fn;
+    int planes;   // 2 for the Laplacian's side sums and centre terms
+    Mid constant; // the row kernel's sum times the border value
+};
 
 enum FilterId { SobelHoriz, SobelVert, SobelNegVert, SobelCross, SobelHorizSecond, SobelVertSecond,
                 ScharrHoriz, ScharrVert, Laplacian, Lowpass };
@@ -33,7 +40,6 @@ constexpr Pass kLaplacian5Second{5, 8};
 
 // Sum of the row kernel's weights, by row index: the vertical constant row.
 constexpr int kRowSum[11] = {0, 16, 0, 0, 0, 0, 4, 16, 3, 5, 2};
-constexpr int rowTaps(int row) { return (row == 3 || row == 5 || row == 7 || row == 9) ? 5 : 3; }
 constexpr int rowPlanes(int row) { return row == 10 ? 2 : 1; }
 
 enum class Form { k8u16s, k8u8s, k32f, k8u };
@@ -114,9 +120,7 @@ RowStage<Src, Mid> rowStage(const KernelSet& ks, int row, Src value) {
         rs.fn = ks.owntabRow_8u16s[row];
         rs.constant = static_cast<Mid>(std::clamp(kRowSum[row] * static_cast<int>(value), -32768, 32767));
     }
-    rs.K = rowTaps(row);
     rs.planes = rowPlanes(row);
-    rs.value = value;
     return rs;
 }
 
@@ -137,10 +141,12 @@ struct Job {
     template <class Out>
     void pass(Pass p, const Src* src, int rows, int border, std::uint8_t* buf, int y0, Out&& out) const {
         const RowStage<Src, Mid> rs = rowStage<Src, Mid>(ks, p.row, value);
-        const int Kc = K;
         const int plane = fixed::ownRingPlane(width);
-        fixed::ownFilterConvolution(src, srcStep, width, rows, rs, Kc, border, buf, y0, imageHeight,
-                                    [&](const Mid* const* win, int y) { out(win, y, plane); });
+        const int hborder = withoutRowFlags(border);
+        fixed::ownFilterConvolution(
+            src, srcStep, width, rows, rs.planes, K, border, rs.constant, buf, y0, imageHeight,
+            [&](const Src* row, Mid* slot, Src* line) { rs.fn(row, slot, width, plane, hborder, value, line); },
+            [&](const Mid* const* win, int y) { out(win, y, plane); });
     }
 
     void run(const Src* src, Dst* dst, int rows, int border, std::uint8_t* buf, int y0) const {

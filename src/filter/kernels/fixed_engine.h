@@ -11,7 +11,6 @@
 #include <cstdint>
 
 #include "filter/border.h"
-#include "filter/kernels/fixed_tables.h"
 #include "zevcv.h"
 
 namespace v8::fixed {
@@ -39,43 +38,38 @@ inline int ownSourceRow(int j, int rows, int border, int y0, int imageHeight) {
 inline int ownRingPlane(int width) { return (width + 7) & ~7; }
 
 inline std::size_t ownRingSlotBytes(int width, int planes, std::size_t midBytes) {
-    return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 63) & ~std::size_t{63};
+    return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 15) & ~std::size_t{15};
 }
 
-// Bytes the engine takes from its buffer.
+// Bytes the engine takes from its buffer: alignment, scratch line, Kc ring rows,
+// the constant row and the window of Kc row pointers.
 inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes) {
-    return 64 + 64 + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes);
+    return 16 + 64 + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
+           static_cast<std::size_t>(Kc) * sizeof(void*);
 }
 
-template <class Src, class Mid>
-struct RowStage {
-    RowFn<Src, Mid> fn;
-    int K;        // taps of the row kernel
-    int planes;   // 2 for the Laplacian's side sums and centre terms
-    Src value;    // horizontal constant border value
-    Mid constant; // the vertical constant row: kernel sum times the border value
-};
-
-// Runs the region [0, rows) of a band whose first row is src. col(window, y)
-// makes output row y from window[0..Kc-1], the ring rows y-Kc/2 .. y+Kc-1-Kc/2.
-template <class Src, class Mid, class Col>
-void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, const RowStage<Src, Mid>& rs, int Kc,
-                          int border, std::uint8_t* buffer, int y0, int imageHeight, Col&& col) {
+// Runs the region [0, rows) of a band whose first row is src.
+//   rowCall(row, slot, line): one source row through the row kernel into a ring row;
+//   col(window, y): output row y from window[0..Kc-1], the ring rows
+//                   y - Kc/2 .. y + Kc-1 - Kc/2.
+// constant is the value of every element of the vertical constant row.
+template <class Src, class Mid, class RowCall, class Col>
+void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int planes, int Kc, int border,
+                          Mid constant, std::uint8_t* buffer, int y0, int imageHeight, RowCall&& rowCall, Col&& col) {
     const int b = Kc / 2, below = Kc - 1 - b;
-    const int plane = ownRingPlane(width);
-    const std::size_t slotBytes = ownRingSlotBytes(width, rs.planes, sizeof(Mid));
-    std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 63) & ~std::uintptr_t{63});
+    const std::size_t slotBytes = ownRingSlotBytes(width, planes, sizeof(Mid));
+    std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 15) & ~std::uintptr_t{15});
     Src* line = reinterpret_cast<Src*>(base);
     std::uint8_t* ring = base + 64;
     Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);
-    const int hborder = withoutRowFlags(border);
 
     if (borderCode(border) == zevBorderConst && !(inMemTop(border) && inMemBottom(border))) {
-        const int n = plane * rs.planes;
-        for (int i = 0; i < n; ++i) constRow[i] = rs.constant;
+        const int n = ownRingPlane(width) * planes;
+        for (int i = 0; i < n; ++i) constRow[i] = constant;
     }
 
-    const Mid* window[8] = {};
+    const Mid** window = reinterpret_cast<const Mid**>(ring + (Kc + 1) * slotBytes);
+    for (int k = 0; k < Kc; ++k) window[k] = constRow;
     for (int j = -b; j < rows + below; ++j) {
         const int s = ownSourceRow(j, rows, border, y0, imageHeight);
         const Mid* p = constRow;
@@ -83,7 +77,7 @@ void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, cons
             Mid* slot = reinterpret_cast<Mid*>(ring + ((j + b) % Kc) * slotBytes);
             const Src* row = reinterpret_cast<const Src*>(reinterpret_cast<const std::uint8_t*>(src) +
                                                           static_cast<std::ptrdiff_t>(s) * srcStep);
-            rs.fn(row, slot, width, plane, hborder, rs.value, line);
+            rowCall(row, slot, line);
             p = slot;
         }
         for (int k = 0; k + 1 < Kc; ++k) window[k] = window[k + 1];

@@ -290,6 +290,21 @@ void ownFixedColumn(const Mid* const* rows, Dst* dst, int w, int planeStride, fl
 }
 
 // The column table of one output form; entries 8 to 10 differ between forms.
+// Float column of any length, taps summed from tap 0 upward.
+inline void ownColumnTaps32f(const Zev32f* const* rows, const Zev32f* kernel, int K, Zev32f* dst, int w) {
+    int x = 0;
+    for (; x + VF::N <= w; x += VF::N) {
+        typename VF::V acc = VF::mul(VF::load(rows[0] + x), kernel[0]);
+        for (int t = 1; t < K; ++t) acc = VF::add(acc, VF::mul(VF::load(rows[t] + x), kernel[t]));
+        VF::store(dst + x, acc);
+    }
+    for (; x < w; ++x) {
+        float acc = rows[0][x] * kernel[0];
+        for (int t = 1; t < K; ++t) acc = acc + rows[t][x] * kernel[t];
+        dst[x] = acc;
+    }
+}
+
 template <class Out, class Mid, class Dst>
 constexpr std::array<ColFn<Mid, Dst>, 13> columnTable(ColFn<Mid, Dst> e8, ColFn<Mid, Dst> e9, ColFn<Mid, Dst> e10) {
     return {ownFixedColumn<ColScharr3, Out, Mid, Dst>, ownFixedColumn<ColDx3, Out, Mid, Dst>,
@@ -324,7 +339,8 @@ inline const KernelSet& kernelSet() {
         ownFixedColumn<ColAvr5, Avr32f<5>, Zev32f, Zev32f>);
     static constexpr ColFn<Zev16s, Zev8u> col8u[2] = {ownFixedColumn<ColAvr3, Avr8u<3>, Zev16s, Zev8u>,
                                                       ownFixedColumn<ColAvr5, Avr8u<5>, Zev16s, Zev8u>};
-    static constexpr KernelSet set{row8u.data(), row32f.data(), col16s.data(), col8s.data(), col32f.data(), col8u};
+    static constexpr KernelSet set{row8u.data(), row32f.data(), col16s.data(), col8s.data(),
+                                   col32f.data(), col8u,        ownColumnTaps32f};
     return set;
 }
 

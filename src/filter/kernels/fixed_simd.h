@@ -100,6 +100,7 @@ struct VecF32x4 {
         else return _mm_mul_ps(a, _mm_set1_ps(static_cast<float>(k)));
     }
     static V scale(V a, float f) { return _mm_mul_ps(a, _mm_set1_ps(f)); }
+    static V mul(V a, float f) { return scale(a, f); }
     static V load(const Zev32f* p) { return simd::load<__m128>(p); }
     static void store(Zev32f* p, V v) { simd::store(p, v); }
 };
@@ -157,6 +158,7 @@ struct VecF32x8 {
         else return _mm256_mul_ps(a, _mm256_set1_ps(static_cast<float>(k)));
     }
     static V scale(V a, float f) { return _mm256_mul_ps(a, _mm256_set1_ps(f)); }
+    static V mul(V a, float f) { return scale(a, f); }
     static V load(const Zev32f* p) { return simd::load<__m256>(p); }
     static void store(Zev32f* p, V v) { simd::store(p, v); }
 };

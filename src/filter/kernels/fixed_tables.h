@@ -23,6 +23,10 @@ using RowFn = void (*)(const Src* src, Mid* dst, int width, int planeStride, int
 template <class Mid, class Dst>
 using ColFn = void (*)(const Mid* const* rows, Dst* dst, int width, int planeStride, float inv);
 
+// One output row of a float column kernel of any length: the sum of
+// kernel[t] * rows[t][x] from tap 0 upward.
+using ColTapsFn = void (*)(const Zev32f* const* rows, const Zev32f* kernel, int K, Zev32f* dst, int width);
+
 struct KernelSet {
     const RowFn<Zev8u, Zev16s>* owntabRow_8u16s;
     const RowFn<Zev32f, Zev32f>* owntabRow_32f;
@@ -30,6 +34,7 @@ struct KernelSet {
     const ColFn<Zev16s, Zev8s>* owntabColumn_8u8s;
     const ColFn<Zev32f, Zev32f>* owntabColumn_32f;
     const ColFn<Zev16s, Zev8u>* owntabColumn_8u;
+    ColTapsFn ownColumnTaps_32f;
 };
 
 // The tables for this processor: 32-byte registers where the processor has them.
