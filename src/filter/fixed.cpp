@@ -54,10 +54,13 @@ constexpr Form formOf() {
 
 // ---------------------------------------------------------------- buffer sizes
 
-// The row pipeline's report for kernel K (8u16s for 8-bit sources, else 32f).
-std::int64_t rowPipelineBytes(bool floatRows, std::int64_t h, std::int64_t K, std::int64_t T) {
-    std::int64_t s = floatRows ? 64 * K + 64 : 36 * K + 112;
-    return T * 32 + (h + K) * T * 4 + T * s + (floatRows ? T * 16 : 0);
+// The row pipeline's report for kernel K (8u16s for 8-bit sources, else 32f);
+// it sees the same thread budget as the caller's query.
+std::int64_t rowPipelineBytes(bool floatRows, int w, int h, int K) {
+    int n = 0;
+    if (floatRows) ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(ZeviSize{w, h}, K, &n);
+    else ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(ZeviSize{w, h}, K, &n);
+    return n;
 }
 // The column pipeline's report (16s-row forms; the float form reports 32).
 std::int64_t columnPipelineBytes(bool floatRows, std::int64_t w, std::int64_t h, std::int64_t K, std::int64_t T) {
@@ -85,7 +88,7 @@ std::int64_t fixedBufferBytes(FilterId id, Form form, int width, int height, int
         }
         head = W * E * (2 * K + 15) + D + std::int64_t{K} * F;
     }
-    std::int64_t B = head + rowPipelineBytes(isFloat, height, K, T) + columnPipelineBytes(isFloat, width, height, K, T);
+    std::int64_t B = head + rowPipelineBytes(isFloat, width, height, K) + columnPipelineBytes(isFloat, width, height, K, T);
     if (id == Laplacian && form == Form::k8u8s && K == 5) B += W * 2 * height + 32;
     const int tail = (id == SobelHoriz && form == Form::k8u16s) ? 64 : 32;
     return T * (B + tail);

@@ -16,10 +16,11 @@ namespace v8 {
 namespace {
 
 // Parts of the reported size, in the order the buffer is laid out by the report.
-std::int64_t gaussBufferBytes(int width, int K, int T) {
+// R is the float row pipeline's report for K rows.
+std::int64_t gaussBufferBytes(int width, int K) {
     const std::int64_t V = (K + width + 7) & ~7, U = (K + width + 3) & ~3, Q = (K + 3) & ~3;
-    const std::int64_t R = std::int64_t{T} * 32 + std::int64_t{K + K} * T * 4 + std::int64_t{T} * (64 * K + 64) +
-                           std::int64_t{T} * 16;
+    int R = 0;
+    ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(ZeviSize{width, K}, K, &R);
     return 2 * (V * 4 * K / 2) + Q * 4 + 32 + U * K * 8 + 64 + R + 32 + 32 + 32 + (K + K) * 4 + 32;
 }
 
@@ -96,7 +97,7 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussGetBufferSize_32f_C1R)(ZeviSize roiSiz
                        .roi(roiSize)
                        .that(kernelSize >= 3 && (kernelSize & 1) == 1, zevStsBadArgument);
     if (st != zevStsNoError) return st;
-    const std::int64_t n = gaussBufferBytes(roiSize.width, kernelSize, ownGetNumThreads());
+    const std::int64_t n = gaussBufferBytes(roiSize.width, kernelSize);
     if (n > INT32_MAX) return zevStsBadSize;
     *bufferSize = static_cast<int>(n);
     return zevStsNoError;
