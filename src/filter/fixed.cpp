@@ -35,6 +35,9 @@ constexpr FilterDef kFilters[] = {
     {{6, 1}, {7, 4}},   {{2, 2}, {3, 3}},  {{2, 11}, {3, 12}}, {{2, 1}, {3, 4}},  {{6, 5}, {7, 6}},
     {{4, 2}, {5, 3}},   {{1, 1}, {-1, -1}}, {{0, 0}, {-1, -1}}, {{10, 7}, {7, 6}}, {{8, 9}, {9, 10}},
 };
+// Index of the fused 3x3 routine of each filter (-1: none).
+constexpr int kFused[] = {0, 3, 4, 2, 5, 6, 1, 7, -1, -1};
+
 // The 5x5 Laplacian's second pass, added to the first: D2x along rows, Sobel along columns.
 constexpr Pass kLaplacian5Second{5, 8};
 
@@ -141,15 +144,39 @@ struct Job {
 
     // One pass of row index `row` and column index `col` over a band, with its
     // output rows given by out(y).
-    template <class Out>
-    void pass(Pass p, const Src* src, int rows, int border, std::uint8_t* buf, int y0, Out&& out) const {
+    template <class Out, class Fuse = fixed::NoFuse>
+    void pass(Pass p, const Src* src, int rows, int border, std::uint8_t* buf, int y0, Out&& out,
+              Fuse&& fuse = {}) const {
         const RowStage<Src, Mid> rs = rowStage<Src, Mid>(ks, p.row, value);
         const int plane = fixed::ownRingPlane(width);
         const int hborder = withoutRowFlags(border);
         fixed::ownFilterConvolution(
             src, srcStep, width, rows, rs.planes, K, border, rs.constant, buf, y0, imageHeight,
             [&](const Src* row, Mid* slot, Src* line) { rs.fn(row, slot, width, plane, hborder, value, line); },
-            [&](const Mid* const* win, int y) { out(win, y, plane); });
+            [&](const Mid* const* win, int y) { out(win, y, plane); }, fuse);
+    }
+
+    // The fused 3x3 routine where this filter and form have one: always for the
+    // float forms but SobelHorizSecond, which keeps it for images below 2^20
+    // pixels; for 8u16s always for SobelHoriz and ScharrVert, below 2^20 pixels
+    // for the others. Both engines give the same pixels.
+    template <class Dst2>
+    auto fusedRoutine() const {
+        constexpr Form form = formOf<Src, Dst2>();
+        using Fn = fixed::RowColFn<Src, Mid, Mid>;
+        Fn fn = nullptr;
+        if constexpr (form == Form::k8u16s || form == Form::k32f) {
+            const int index = K == 3 ? kFused[id] : -1;
+            const bool small = std::int64_t{width} * imageHeight < 0x100000;
+            bool use = index >= 0;
+            if constexpr (form == Form::k32f) use = use && (id != SobelHorizSecond || small);
+            else use = use && (id == SobelHoriz || id == ScharrVert || small);
+            if (use) {
+                if constexpr (form == Form::k32f) fn = ks.owntabRowColumn_32f[index];
+                else fn = ks.owntabRowColumn_8u16s[index];
+            }
+        }
+        return fn;
     }
 
     void run(const Src* src, Dst* dst, int rows, int border, std::uint8_t* buf, int y0) const {
@@ -170,8 +197,17 @@ struct Job {
             else if constexpr (form == Form::k32f) ks.owntabColumn_32f[col](win, d, w, plane, inv);
             else ks.owntabColumn_8u[K == 5 ? 1 : 0](win, d, w, plane, inv);
         };
-        pass(first, src, rows, border, buf, y0,
-             [&](const Mid* const* win, int y, int plane) { column(win, y, plane, first.col); });
+        const auto fused = fusedRoutine<Dst>();
+        const int hborder = withoutRowFlags(border);
+        pass(
+            first, src, rows, border, buf, y0,
+            [&](const Mid* const* win, int y, int plane) { column(win, y, plane, first.col); },
+            [&](const Src* row, Mid* slot, Src* line, const Mid* const* win, int y) {
+                if (!fused) return false;
+                if constexpr (form == Form::k8u16s || form == Form::k32f)
+                    fused(row, slot, win[0], win[1], rowOf(dst, dstStep, y), w, hborder, value, line);
+                return true;
+            });
         if (id == Laplacian && K == 5) {
             pass(kLaplacian5Second, src, rows, border, buf, y0,
                  [&](const Mid* const* win, int y, int plane) { column(win, y, plane, kLaplacian5Second.col); });

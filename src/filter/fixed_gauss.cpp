@@ -86,7 +86,8 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
             Zev32f* d = reinterpret_cast<Zev32f*>(reinterpret_cast<std::uint8_t*>(dst) +
                                                   static_cast<std::ptrdiff_t>(y) * dstStep);
             column(win, weights, K, d, w);
-        });
+        },
+        fixed::NoFuse{});
     return zevStsNoError;
 }
 

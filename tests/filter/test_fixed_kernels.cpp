@@ -98,4 +98,49 @@ TEST_F(FixedKernelLevels, ColumnRoutinesAgree) {
     }
 }
 
+// The fused 3x3 routines give what the row routine and then the column routine
+// give, at every width, at each instruction level.
+template <class Src, class Mid>
+void compareFused(const KernelSet& ks, zt::Rng& rng) {
+    // Fused index -> (row index, column index).
+    const int pairs[8][2] = {{6, 1}, {1, 1}, {2, 1}, {2, 2}, {2, 11}, {6, 5}, {4, 2}, {0, 0}};
+    for (int i = 0; i < 8; ++i)
+        for (int w = 1; w <= kMaxW; ++w)
+            for (int border : {0, 1, 2, 3, 4, 0x40 | 1, 0x80 | 3}) {
+                std::vector<Src> src = randomRow<Src>(rng, w + 4);
+                std::vector<Mid> r0 = randomRow<Mid>(rng, kPlane), r1 = randomRow<Mid>(rng, kPlane);
+                if constexpr (!std::is_same_v<Mid, float>)
+                    for (auto* r : {&r0, &r1})
+                        for (auto& v : *r) v = static_cast<Mid>(v / 8);  // row values of 8-bit pixels
+                std::vector<Mid> slotA(kPlane), slotB(kPlane), dstA(w), dstB(w);
+                Src line[32], value = src[1];
+                const Mid* rows[3] = {r0.data(), r1.data(), slotB.data()};
+                if constexpr (std::is_same_v<Src, float>) {
+                    ks.owntabRowColumn_32f[i](src.data() + 2, slotA.data(), r0.data(), r1.data(), dstA.data(), w,
+                                              border, value, line);
+                    ks.owntabRow_32f[pairs[i][0]](src.data() + 2, slotB.data(), w, kPlane, border, value, line);
+                    ks.owntabColumn_32f[pairs[i][1]](rows, dstB.data(), w, kPlane, 1.0f);
+                } else {
+                    ks.owntabRowColumn_8u16s[i](src.data() + 2, slotA.data(), r0.data(), r1.data(), dstA.data(), w,
+                                                border, value, line);
+                    ks.owntabRow_8u16s[pairs[i][0]](src.data() + 2, slotB.data(), w, kPlane, border, value, line);
+                    ks.owntabColumn_8u16s[pairs[i][1]](rows, dstB.data(), w, kPlane, 1.0f);
+                }
+                ASSERT_EQ(std::memcmp(slotA.data(), slotB.data(), w * sizeof(Mid)), 0)
+                    << "fused " << i << " row, w=" << w << " border=" << border;
+                ASSERT_EQ(std::memcmp(dstA.data(), dstB.data(), w * sizeof(Mid)), 0)
+                    << "fused " << i << " output, w=" << w << " border=" << border;
+            }
+}
+
+TEST(FixedFused, SameAsRowThenColumn) {
+    zt::Rng rng(13);
+    compareFused<Zev8u, Zev16s>(v8::fixed::fixedKernelsSsse3(), rng);
+    compareFused<Zev32f, Zev32f>(v8::fixed::fixedKernelsSsse3(), rng);
+    if (v8::simd::hasAvx2()) {
+        compareFused<Zev8u, Zev16s>(v8::fixed::fixedKernelsAvx2(), rng);
+        compareFused<Zev32f, Zev32f>(v8::fixed::fixedKernelsAvx2(), rng);
+    }
+}
+
 }  // namespace

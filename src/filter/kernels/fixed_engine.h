@@ -51,39 +51,50 @@ inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t mid
 // Runs the region [0, rows) of a band whose first row is src.
 //   rowCall(row, slot, line): one source row through the row kernel into a ring row;
 //   col(window, y): output row y from window[0..Kc-1], the ring rows
-//                   y - Kc/2 .. y + Kc-1 - Kc/2.
+//                   y - Kc/2 .. y + Kc-1 - Kc/2;
+//   fuse(row, slot, line, window, y): both at once where a fused routine
+//                   exists (returns false where it does not).
 // constant is the value of every element of the vertical constant row.
-template <class Src, class Mid, class RowCall, class Col>
+template <class Src, class Mid, class RowCall, class Col, class Fuse>
 void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int planes, int Kc, int border,
-                          Mid constant, std::uint8_t* buffer, int y0, int imageHeight, RowCall&& rowCall, Col&& col) {
+                          Mid constant, std::uint8_t* buffer, int y0, int imageHeight, RowCall&& rowCall, Col&& col,
+                          Fuse&& fuse) {
     const int b = Kc / 2, below = Kc - 1 - b;
     const std::size_t slotBytes = ownRingSlotBytes(width, planes, sizeof(Mid));
     std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 15) & ~std::uintptr_t{15});
     Src* line = reinterpret_cast<Src*>(base);
     std::uint8_t* ring = base + 64;
     Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);
+    const Mid** window = reinterpret_cast<const Mid**>(ring + (Kc + 1) * slotBytes);
 
     if (borderCode(border) == zevBorderConst && !(inMemTop(border) && inMemBottom(border))) {
         const int n = ownRingPlane(width) * planes;
         for (int i = 0; i < n; ++i) constRow[i] = constant;
     }
-
-    const Mid** window = reinterpret_cast<const Mid**>(ring + (Kc + 1) * slotBytes);
     for (int k = 0; k < Kc; ++k) window[k] = constRow;
+
     for (int j = -b; j < rows + below; ++j) {
         const int s = ownSourceRow(j, rows, border, y0, imageHeight);
-        const Mid* p = constRow;
-        if (s != kConstRow) {
+        const int y = j - below;  // output row due after this one, if >= 0
+        for (int k = 0; k + 1 < Kc; ++k) window[k] = window[k + 1];
+        if (s == kConstRow) {
+            window[Kc - 1] = constRow;
+        } else {
             Mid* slot = reinterpret_cast<Mid*>(ring + ((j + b) % Kc) * slotBytes);
             const Src* row = reinterpret_cast<const Src*>(reinterpret_cast<const std::uint8_t*>(src) +
                                                           static_cast<std::ptrdiff_t>(s) * srcStep);
+            window[Kc - 1] = slot;
+            if (y >= 0 && fuse(row, slot, line, static_cast<const Mid* const*>(window), y)) continue;
             rowCall(row, slot, line);
-            p = slot;
         }
-        for (int k = 0; k + 1 < Kc; ++k) window[k] = window[k + 1];
-        window[Kc - 1] = p;
-        if (j >= below) col(static_cast<const Mid* const*>(window), j - below);
+        if (y >= 0) col(static_cast<const Mid* const*>(window), y);
     }
 }
+
+// No fused routine.
+struct NoFuse {
+    template <class... A>
+    bool operator()(A&&...) const { return false; }
+};
 
 }  // namespace v8::fixed

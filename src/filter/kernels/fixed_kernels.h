@@ -13,6 +13,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "filter/border.h"
 #include "filter/kernels/fixed_simd.h"
@@ -221,19 +222,23 @@ template <> struct PolicyOf<Zev16s> { using S = ScalarI16; using V = VI; using M
 template <> struct PolicyOf<Zev8u> { using S = ScalarI16; using V = VI; using Mid = Zev16s; };
 template <> struct PolicyOf<Zev32f> { using S = ScalarF32; using V = VF; using Mid = Zev32f; };
 
+// One output of the row kernel from the K elements at s.
+template <class Op, class Src, class Mid>
+inline void rowWindow(const Src* s, Mid* d, int planeStride) {
+    using SP = typename PolicyOf<Mid>::S;
+    typename SP::V t[Op::K], o[2];
+    for (int i = 0; i < Op::K; ++i) t[i] = SP::load(s + i);
+    Op::template f<SP>(t, o);
+    for (int p = 0; p < Op::planes; ++p) SP::store(d + p * planeStride, o[p]);
+}
+
 // One row through a K-tap kernel with anchor K/2. Border columns take their
 // windows from the scratch line, the others straight from the row.
 template <class Op, class Src, class Mid>
 void ownFixedRow(const Src* src, Mid* dst, int w, int planeStride, int border, Src value, Src* line) {
-    using SP = typename PolicyOf<Mid>::S;
     using VP = typename PolicyOf<Mid>::V;
     constexpr int K = Op::K, a = K / 2;
-    auto window = [&](const Src* s, Mid* d) {
-        typename SP::V t[K], o[2];
-        for (int i = 0; i < K; ++i) t[i] = SP::load(s + i);
-        Op::template f<SP>(t, o);
-        for (int p = 0; p < Op::planes; ++p) SP::store(d + p * planeStride, o[p]);
-    };
+    auto window = [&](const Src* s, Mid* d) { rowWindow<Op>(s, d, planeStride); };
     const int r = fillBorder<Src>(src, line, w, K, a, border, &value);
     const int left = std::min(a, w);
     for (int i = 0; i < left; ++i) window(line + i, dst + i);
@@ -290,6 +295,56 @@ void ownFixedColumn(const Mid* const* rows, Dst* dst, int w, int planeStride, fl
 }
 
 // The column table of one output form; entries 8 to 10 differ between forms.
+// Fused 3x3 step: the new row (the window's third) through the row kernel into
+// its ring row, and in the same pass the output row from the two older ring rows
+// and the new values still in registers. Same numbers as the row routine
+// followed by the column routine.
+template <class RowOp, class ColOp, class Out, class Src, class Mid, class Dst>
+void ownFixedRowColumn(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, Dst* dst, int w, int border,
+                       Src value, Src* line) {
+    static_assert(RowOp::K == 3 && ColOp::K == 3 && RowOp::planes == 1, "3x3 single-plane kernels");
+    using SP = typename PolicyOf<Mid>::S;
+    using VP = typename PolicyOf<Mid>::V;
+    const Mid* rows[3] = {r0, r1, slot};
+    if (w - 2 < VP::N) {
+        ownFixedRow<RowOp, Src, Mid>(src, slot, w, 0, border, value, line);
+        ownFixedColumn<ColOp, Out, Mid, Dst>(rows, dst, w, 0, 1.0f);
+        return;
+    }
+    const int r = fillBorder<Src>(src, line, w, 3, 1, border, &value);
+    rowWindow<RowOp>(line, slot, 0);
+    rowWindow<RowOp>(line + r, slot + w - 1, 0);
+    int x = 1;
+    for (; x + VP::N <= w - 1; x += VP::N) {
+        typename VP::V t[3], o[2];
+        for (int k = 0; k < 3; ++k) t[k] = VP::load(src + x - 1 + k);
+        RowOp::template f<VP>(t, o);
+        VP::store(slot + x, o[0]);
+        typename VP::V c[3] = {VP::load(r0 + x), VP::load(r1 + x), o[0]};
+        Out::template put<VP>(dst + x, ColOp::template f<VP>(c), 1.0f);
+    }
+    const int fused = x;
+    for (; x < w - 1; ++x) rowWindow<RowOp>(src + x - 1, slot + x, 0);
+    auto column = [&](int xc) {
+        typename SP::V c[3] = {SP::load(r0 + xc), SP::load(r1 + xc), SP::load(slot + xc)};
+        Out::template put<SP>(dst + xc, ColOp::template f<SP>(c), 1.0f);
+    };
+    column(0);
+    for (x = fused; x < w; ++x) column(x);
+}
+
+template <class Src>
+constexpr auto rowColumnTable() {
+    using M = typename PolicyOf<Src>::Mid;
+    using Out = std::conditional_t<std::is_same_v<Src, Zev32f>, Put32f, Put16s>;
+    return std::array<RowColFn<Src, M, M>, 8>{
+        ownFixedRowColumn<RowSobel3, ColDx3, Out, Src, M, M>,     ownFixedRowColumn<RowScharr3, ColDx3, Out, Src, M, M>,
+        ownFixedRowColumn<RowDxNeg3, ColDx3, Out, Src, M, M>,     ownFixedRowColumn<RowDxNeg3, ColSobel3, Out, Src, M, M>,
+        ownFixedRowColumn<RowDxNeg3, ColNeg<ColSobel3>, Out, Src, M, M>,
+        ownFixedRowColumn<RowSobel3, ColD2x3, Out, Src, M, M>,    ownFixedRowColumn<RowD2x3, ColSobel3, Out, Src, M, M>,
+        ownFixedRowColumn<RowDx3, ColScharr3, Out, Src, M, M>};
+}
+
 // Float column of any length, taps summed from tap 0 upward.
 inline void ownColumnTaps32f(const Zev32f* const* rows, const Zev32f* kernel, int K, Zev32f* dst, int w) {
     int x = 0;
@@ -339,8 +394,10 @@ inline const KernelSet& kernelSet() {
         ownFixedColumn<ColAvr5, Avr32f<5>, Zev32f, Zev32f>);
     static constexpr ColFn<Zev16s, Zev8u> col8u[2] = {ownFixedColumn<ColAvr3, Avr8u<3>, Zev16s, Zev8u>,
                                                       ownFixedColumn<ColAvr5, Avr8u<5>, Zev16s, Zev8u>};
-    static constexpr KernelSet set{row8u.data(), row32f.data(), col16s.data(), col8s.data(),
-                                   col32f.data(), col8u,        ownColumnTaps32f};
+    static constexpr auto rowcol8u = rowColumnTable<Zev8u>();
+    static constexpr auto rowcol32f = rowColumnTable<Zev32f>();
+    static constexpr KernelSet set{row8u.data(), row32f.data(), col16s.data(),   col8s.data(),     col32f.data(),
+                                   col8u,        ownColumnTaps32f, rowcol8u.data(), rowcol32f.data()};
     return set;
 }
 

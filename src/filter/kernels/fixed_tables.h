@@ -7,6 +7,9 @@
 //           9, 10 (integer) SobelNeg3, SobelNeg5 / (32f) Avr3, Avr5,
 //           11 SobelNeg3, 12 SobelNeg5
 //   column 8u (average to 8 bits): 0 Avr3, 1 Avr5
+//   fused 3x3 row and column: 0 SobelHoriz, 1 ScharrHoriz, 2 SobelCross,
+//           3 SobelVert, 4 SobelVertNeg, 5 SobelHorizSecond, 6 SobelVertSecond,
+//           7 ScharrVert
 #pragma once
 
 #include "zevcv.h"
@@ -23,6 +26,12 @@ using RowFn = void (*)(const Src* src, Mid* dst, int width, int planeStride, int
 template <class Mid, class Dst>
 using ColFn = void (*)(const Mid* const* rows, Dst* dst, int width, int planeStride, float inv);
 
+// Fused 3x3: the source row src through the row kernel into slot, and the output
+// row dst from r0, r1 (the two ring rows above) and slot.
+template <class Src, class Mid, class Dst>
+using RowColFn = void (*)(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, Dst* dst, int width, int border,
+                          Src value, Src* line);
+
 // One output row of a float column kernel of any length: the sum of
 // kernel[t] * rows[t][x] from tap 0 upward.
 using ColTapsFn = void (*)(const Zev32f* const* rows, const Zev32f* kernel, int K, Zev32f* dst, int width);
@@ -35,6 +44,8 @@ struct KernelSet {
     const ColFn<Zev32f, Zev32f>* owntabColumn_32f;
     const ColFn<Zev16s, Zev8u>* owntabColumn_8u;
     ColTapsFn ownColumnTaps_32f;
+    const RowColFn<Zev8u, Zev16s, Zev16s>* owntabRowColumn_8u16s;
+    const RowColFn<Zev32f, Zev32f, Zev32f>* owntabRowColumn_32f;
 };
 
 // The tables for this processor: 32-byte registers where the processor has them.
