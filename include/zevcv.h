@@ -190,6 +190,38 @@ ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(ZeviSize r
 ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 ZEVAPI ZevStatus zeviFilterRowBorderPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 
+/* ---- column pipeline: K intermediate rows through row pointers into one output row */
+
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s_C1R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s_C3R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_Low_16s_C1R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_Low_16s_C3R(const Zev16s** src, Zev16s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8u_C1R(const Zev16s** src, Zev8u* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8u_C3R(const Zev16s** src, Zev8u* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8s_C1R(const Zev16s** src, Zev8s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_16s8s_C3R(const Zev16s** src, Zev8s* dst, int dstStep, ZeviSize roiSize,
+    const Zev16s* kernel, int kernelSize, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_32f_C1R(const Zev32f** src, Zev32f* dst, int dstStep, ZeviSize roiSize,
+    const Zev32f* kernel, int kernelSize, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipeline_32f_C3R(const Zev32f** src, Zev32f* dst, int dstStep, ZeviSize roiSize,
+    const Zev32f* kernel, int kernelSize, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_Low_16s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_Low_16s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8u_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8u_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 /* ---- fixed derivative and smoothing filters: Sobel, Scharr, Laplacian, lowpass, Gaussian */
 
 ZEVAPI ZevStatus zeviFilterSobelHorizBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,

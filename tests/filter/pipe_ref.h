@@ -165,3 +165,44 @@ inline float row32f(const std::vector<float>& v, const float* k, int K) {
 }
 
 }  // namespace ref
+
+namespace ref {
+
+// ---- column forms: one output from the K values down its column
+
+// Leading columns that round; the rest truncate.
+inline bool vectorColumn(int e, int W, int K) {
+    const int n = (K == 3 || K == 5) ? (W & ~3) : (W & ~15);
+    return e < n;
+}
+
+// 16s rows to an output range [lo, hi]: 16s, 8u or 8s.
+inline int column16s(const std::vector<std::int16_t>& v, const std::int16_t* k, int K, int divisor, bool vectorCol,
+                     int lo, int hi) {
+    const float inv = 1.0f / static_cast<float>(divisor);
+    if (vectorCol) {
+        float f = 0.0f;
+        for (int i = 0; i < K; ++i) {
+            const float c = (static_cast<float>(k[i]) * 1.5258789e-5f) * inv;
+            const float x = static_cast<float>(static_cast<std::int32_t>(v[i]) * 65536);
+            f = i == 0 ? x * c : f + x * c;
+        }
+        f = std::min(32767.0f, std::max(-32768.0f, f));
+        return sat(sat(nearest(f), -32768, 32767), lo, hi);
+    }
+    float f = 0.0f;
+    for (int i = 0; i < K; ++i) {
+        const float p = (K == 3 || K == 5) ? static_cast<float>(v[i]) * static_cast<float>(k[i])
+                                           : static_cast<float>(static_cast<std::int32_t>(v[i]) * k[i]);
+        f = i == 0 ? p : f + p;
+    }
+    return trunc(f * inv, static_cast<float>(lo), static_cast<float>(hi));
+}
+
+inline std::int16_t columnLow(const std::vector<std::int16_t>& v, const std::int16_t* k, int K, int divisor) {
+    return rowLow(v, k, K, divisor, Part::Middle);
+}
+
+inline float column32f(const std::vector<float>& v, const float* k, int K) { return row32f(v, k, K); }
+
+}  // namespace ref

@@ -8,34 +8,12 @@
 
 #include "common/guarded.h"
 #include "filter/border.h"
+#include "pipe_ref.h"
 
 namespace {
 
-// Source column read for position x outside 0..w-1, found by walking: wrap steps
-// around the row, the mirrors bounce off its ends (Mirror skips the end element
-// on reversal, MirrorR repeats it).
-int walkIndex(int x, int w, int code) {
-    if (x >= 0 && x < w) return x;
-    if (code == zevBorderReplicate) return x < 0 ? 0 : w - 1;
-    if (code == zevBorderWrap) {
-        int p = x;
-        while (p < 0) p += w;
-        while (p >= w) p -= w;
-        return p;
-    }
-    int steps = x < 0 ? -x : x - (w - 1);
-    int pos = x < 0 ? 0 : w - 1;
-    int dir = x < 0 ? -1 : 1;
-    for (int s = 0; s < steps; ++s) {
-        int next = pos + dir;
-        if (next < 0 || next >= w) {
-            dir = -dir;
-            next = code == zevBorderMirror ? (w == 1 ? 0 : pos + dir) : pos;
-        }
-        pos = next;
-    }
-    return pos;
-}
+// The walking model of the borders lives with the pipeline references.
+int walkIndex(int x, int w, int code) { return ref::walk(x, w, code); }
 
 // The expected line: a extension pixels, real pixels, K-1-a extension pixels,
 // with the real part shortened as the layout says.
@@ -157,11 +135,11 @@ TEST(FillLine, ThreeChannelsKeepWholePixelsAndPerChannelValues) {
 }
 
 TEST(FillLine, SinglePixelRowUnderEveryMirror) {
-    const float px = 3.5f;
+    const float px[8] = {3.5f, -1, -1, -1, -1, -1, -1, -1};  // only the first is the row
     for (int code : {zevBorderMirror, zevBorderMirrorR, zevBorderWrap, zevBorderReplicate})
         for (int a = 0; a < 7; ++a) {
             float line[7];
-            v8::fillBorder<float>(&px, line, 1, 7, a, code, nullptr);
-            for (float v : line) EXPECT_EQ(v, px) << code;
+            v8::fillBorder<float>(px, line, 1, 7, a, code, nullptr);
+            for (float v : line) EXPECT_EQ(v, px[0]) << code;
         }
 }

@@ -51,54 +51,28 @@ Zev32f ref32f(const std::vector<Zev32f>& v, const Zev32f* k, int K, int, ref::Pa
     return ref::row32f(v, k, K);
 }
 
-const U8Form kU8C1{"8u16s_C1R",
-                   [](const Zev8u* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                      const Zev8u* v, int div, Zev8u* buf) {
-                       return zeviFilterRowBorderPipeline_8u16s_C1R(s, ss, d, r, k, K, a, b, *v, div, buf);
-                   },
-                   zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R, ref8u};
-const U8Form3 kU8C3{"8u16s_C3R",
-                    [](const Zev8u* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                       const Zev8u* v, int div, Zev8u* buf) {
-                        return zeviFilterRowBorderPipeline_8u16s_C3R(s, ss, d, r, k, K, a, b, v, div, buf);
-                    },
-                    zeviFilterRowBorderPipelineGetBufferSize_8u16s_C3R, ref8u};
-const S16Form kS16C1{"16s_C1R",
-                     [](const Zev16s* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                        const Zev16s* v, int div, Zev8u* buf) {
-                         return zeviFilterRowBorderPipeline_16s_C1R(s, ss, d, r, k, K, a, b, *v, div, buf);
-                     },
-                     zeviFilterRowBorderPipelineGetBufferSize_16s_C1R, ref16s};
-const S16Form3 kS16C3{"16s_C3R",
-                      [](const Zev16s* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                         const Zev16s* v, int div, Zev8u* buf) {
-                          return zeviFilterRowBorderPipeline_16s_C3R(s, ss, d, r, k, K, a, b, v, div, buf);
-                      },
-                      zeviFilterRowBorderPipelineGetBufferSize_16s_C3R, ref16s};
-const S16Form kLowC1{"Low_16s_C1R",
-                     [](const Zev16s* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                        const Zev16s* v, int div, Zev8u* buf) {
-                         return zeviFilterRowBorderPipeline_Low_16s_C1R(s, ss, d, r, k, K, a, b, *v, div, buf);
-                     },
-                     zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, refLow<1>};
-const S16Form3 kLowC3{"Low_16s_C3R",
-                      [](const Zev16s* s, int ss, Zev16s** d, ZeviSize r, const Zev16s* k, int K, int a, int b,
-                         const Zev16s* v, int div, Zev8u* buf) {
-                          return zeviFilterRowBorderPipeline_Low_16s_C3R(s, ss, d, r, k, K, a, b, v, div, buf);
-                      },
-                      zeviFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, refLow<3>};
-const F32Form kF32C1{"32f_C1R",
-                     [](const Zev32f* s, int ss, Zev32f** d, ZeviSize r, const Zev32f* k, int K, int a, int b,
-                        const Zev32f* v, int, Zev8u* buf) {
-                         return zeviFilterRowBorderPipeline_32f_C1R(s, ss, d, r, k, K, a, b, *v, buf);
-                     },
-                     zeviFilterRowBorderPipelineGetBufferSize_32f_C1R, ref32f};
-const F32Form3 kF32C3{"32f_C3R",
-                      [](const Zev32f* s, int ss, Zev32f** d, ZeviSize r, const Zev32f* k, int K, int a, int b,
-                         const Zev32f* v, int, Zev8u* buf) {
-                          return zeviFilterRowBorderPipeline_32f_C3R(s, ss, d, r, k, K, a, b, v, buf);
-                      },
-                      zeviFilterRowBorderPipelineGetBufferSize_32f_C3R, ref32f};
+// The C1 forms take the border value itself, the C3 forms a pointer to three.
+#define ZT_ROW(FORM, NAME, VALUE, DIV, REF)                                                                   \
+    FORM {                                                                                                    \
+        #NAME,                                                                                                \
+            [](const FORM::Src* s, int ss, FORM::Dst** d, ZeviSize r, const FORM::Kern* k, int K, int a, int b, \
+               const FORM::Src* v, int div, Zev8u* buf) {                                                     \
+                (void)div;                                                                                    \
+                return zeviFilterRowBorderPipeline_##NAME(s, ss, d, r, k, K, a, b, VALUE, DIV buf);           \
+            },                                                                                                \
+            zeviFilterRowBorderPipelineGetBufferSize_##NAME, REF                                              \
+    }
+#define ZT_DIV div,
+#define ZT_NODIV
+
+const U8Form kU8C1 = ZT_ROW(U8Form, 8u16s_C1R, *v, ZT_DIV, ref8u);
+const U8Form3 kU8C3 = ZT_ROW(U8Form3, 8u16s_C3R, v, ZT_DIV, ref8u);
+const S16Form kS16C1 = ZT_ROW(S16Form, 16s_C1R, *v, ZT_DIV, ref16s);
+const S16Form3 kS16C3 = ZT_ROW(S16Form3, 16s_C3R, v, ZT_DIV, ref16s);
+const S16Form kLowC1 = ZT_ROW(S16Form, Low_16s_C1R, *v, ZT_DIV, refLow<1>);
+const S16Form3 kLowC3 = ZT_ROW(S16Form3, Low_16s_C3R, v, ZT_DIV, refLow<3>);
+const F32Form kF32C1 = ZT_ROW(F32Form, 32f_C1R, *v, ZT_NODIV, ref32f);
+const F32Form3 kF32C3 = ZT_ROW(F32Form3, 32f_C3R, v, ZT_NODIV, ref32f);
 
 template <class T>
 T randomValue(zt::Rng& rng) {

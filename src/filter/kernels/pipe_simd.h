@@ -167,4 +167,55 @@ inline __m128i roundPack(__m128 lo, __m128 hi) {
     return _mm_packs_epi32(_mm_cvtps_epi32(clamp16f(lo)), _mm_cvtps_epi32(clamp16f(hi)));
 }
 
+// ---------------------------------------------------------------- shared rules
+
+// Low's interior rule: 16-bit wrapped sum, scaled by the Q14 reciprocal unless
+// the divisor is 1. Rows and columns use it alike.
+struct LowSum {
+    const std::int16_t* k;
+    int K;
+    std::int16_t r;
+    bool unit;
+    const __m128i* k16;  // one register per tap
+
+    static LowSum make(const std::int16_t* kernel, int K, int divisor, __m128i* block) {
+        for (int j = 0; j < K; ++j) block[j] = _mm_set1_epi16(kernel[j]);
+        return LowSum{kernel, K, lowReciprocal(divisor), divisor == 1, block};
+    }
+    template <class Taps>
+    std::int16_t scalar(const Taps& t, int e) const {
+        std::int16_t v = 0;
+        for (int j = 0; j < K; ++j) v = static_cast<std::int16_t>(v + static_cast<std::int16_t>(*t.at(j, e) * k[j]));
+        return lowScale(v, r, unit);
+    }
+    template <int KT, class Taps>
+    void vec(const Taps& t, int e, std::int16_t* out) const {
+        __m128i v = lowTaps8(t, e, KT ? KT : K, k16);
+        if (!unit) v = lowScale8(v, _mm_set1_epi16(r));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), v);
+    }
+};
+
+// Float sum in tap order from k[0] * x[0], unscaled: every float column.
+struct FloatSum {
+    const float* k;
+    int K;
+    const __m128* cf;  // one register per tap
+
+    static FloatSum make(const float* kernel, int K, __m128* block) {
+        for (int j = 0; j < K; ++j) block[j] = _mm_set1_ps(kernel[j]);
+        return FloatSum{kernel, K, block};
+    }
+    template <class Taps>
+    float scalar(const Taps& t, int e) const {
+        float f = k[0] * *t.at(0, e);
+        for (int j = 1; j < K; ++j) f += k[j] * *t.at(j, e);
+        return f;
+    }
+    template <int KT, class Taps>
+    void vec(const Taps& t, int e, float* out) const {
+        _mm_storeu_ps(out, floatTaps4(t, e, KT ? KT : K, cf));
+    }
+};
+
 }  // namespace v8::pipe

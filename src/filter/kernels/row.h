@@ -20,9 +20,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "filter/border.h"
+#include "filter/kernels/pipe_avx2.h"
 #include "filter/kernels/pipe_simd.h"
+#include "frame/kernels/simd.h"
 #include "zevcv.h"
 
 namespace v8 {
@@ -45,15 +48,21 @@ struct Row8u16s {
     float inv;
     bool intBoth;  // K = 3, divisor 1: 32-bit sum saturated in every column
     bool intMid;   // divisor 1 and every sum exact in float: the float path is the integer one
+    bool narrow;   // divisor 1 and every partial sum fits 16 bits: 16-bit lanes give the same
     const __m128i* pairs;
+    bool wide = false;  // narrow, and the processor runs the 32-byte kernel
 
     static Row8u16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
         auto* pairs = static_cast<__m128i*>(coef);
-        pipe::makePairs(kernel, K, pairs);
+        const bool narrow = divisor == 1 && sumAbs * 255.0f < 32768.0f;
+        if (narrow)  // one 16-bit weight register per tap
+            for (int j = 0; j < K; ++j) pairs[j] = _mm_set1_epi16(kernel[j]);
+        else
+            pipe::makePairs(kernel, K, pairs);
         return Row8u16s{kernel, K, 1.0f / static_cast<float>(divisor), K == 3 && divisor == 1,
-                        divisor == 1 && sumAbs * 255.0f < 16777216.0f, pairs};
+                        divisor == 1 && sumAbs * 255.0f < 16777216.0f, narrow, pairs, narrow && simd::hasAvx2()};
     }
     std::int32_t sum(const Src* p, int s) const {
         std::int32_t v = 0;
@@ -61,6 +70,9 @@ struct Row8u16s {
         return v;
     }
     bool vectorMiddle(int) const { return true; }
+    int bulk(const Src* src, int C, Dst* dst, int total) const {
+        return wide ? ownRowNarrow8u16s_avx2(src, C, dst, total, k, K) : 0;
+    }
     Dst mid(const Src* p, int s) const {
         std::int32_t v = sum(p, s);
         if (intBoth || intMid) return pipe::sat16(v);
@@ -71,10 +83,15 @@ struct Row8u16s {
         if (intBoth) return pipe::sat16(v);
         return static_cast<Dst>(pipe::truncClamp(static_cast<float>(v) * inv, -32768.0f, 32767.0f));
     }
-    template <class Taps>
+    template <int KT, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
+        const int n = KT ? KT : K;
+        if (narrow) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), pipe::lowTaps8(t, e, n, pairs));
+            return;
+        }
         __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
-        pipe::maddTaps(t, e, pairs, 0, K, lo, hi);
+        pipe::maddTaps(t, e, pairs, 0, n, lo, hi);
         __m128i r;
         if (intBoth || intMid) {
             r = _mm_packs_epi32(lo, hi);
@@ -192,8 +209,9 @@ struct Row16s {
         }
         return static_cast<Dst>(pipe::truncClamp(f, -32768.0f, 32767.0f));
     }
-    template <class Taps>
+    template <int KT, class Taps>
     void vec(const Taps& t, int e, Dst* out) const {
+        const int K = KT ? KT : this->K;
         __m128i r;
         if (mode == IntShort || (mode == IntLong && exact)) {
             __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
@@ -254,21 +272,15 @@ struct Row16s {
 
 // ---------------------------------------------------------------- Low 16s
 
-struct RowLow16s {
+// Interior: the shared 16-bit rule. Row ends: a 32-bit sum, cut to 16 bits.
+struct RowLow16s : pipe::LowSum {
     using Src = Zev16s;
     using Dst = Zev16s;
     static constexpr int kLanes = 8;
-    const Zev16s* k;
-    int K;
-    std::int16_t r;
-    bool unit;          // divisor 1: sums are stored as they are
-    bool endsInterior;  // the whole-row case: the row's ends follow the interior rule
-    const __m128i* k16;
+    bool endsInterior = false;  // the whole-row case: the row's ends follow the interior rule
 
     static RowLow16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
-        auto* c = static_cast<__m128i*>(coef);
-        for (int j = 0; j < K; ++j) c[j] = _mm_set1_epi16(kernel[j]);
-        return RowLow16s{kernel, K, pipe::lowReciprocal(divisor), divisor == 1, false, c};
+        return RowLow16s{pipe::LowSum::make(kernel, K, divisor, static_cast<__m128i*>(coef))};
     }
     // A symmetric 5-tap kernel over 16 with replicated ends runs as one whole row.
     void wholeRowCase(int w, int a, int border, int divisor) {
@@ -276,11 +288,7 @@ struct RowLow16s {
                        divisor == 16 && w - 2 > 8;
     }
     bool vectorMiddle(int) const { return true; }
-    Dst mid(const Src* p, int s) const {
-        std::int16_t v = 0;
-        for (int j = 0; j < K; ++j) v = static_cast<std::int16_t>(v + static_cast<std::int16_t>(p[j * s] * k[j]));
-        return pipe::lowScale(v, r, unit);
-    }
+    Dst mid(const Src* p, int s) const { return scalar(pipe::AlongRow<Src>{p, s}, 0); }
     Dst edge(const Src* p, int s) const {
         if (endsInterior) return mid(p, s);
         std::int32_t v = 0;
@@ -288,41 +296,22 @@ struct RowLow16s {
         if (unit) return static_cast<Dst>(v);
         return static_cast<Dst>(static_cast<std::uint32_t>(pipe::wrapMul(v, r)) >> 14);
     }
-    template <class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        __m128i v = pipe::lowTaps8(t, e, K, k16);
-        if (!unit) v = pipe::lowScale8(v, _mm_set1_epi16(r));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), v);
-    }
 };
 
 // ---------------------------------------------------------------- 32f
 
-struct Row32f {
+// Every column sums its products left to right, from k[0] * s[0].
+struct Row32f : pipe::FloatSum {
     using Src = Zev32f;
     using Dst = Zev32f;
     static constexpr int kLanes = 4;
-    const Zev32f* k;
-    int K;
-    const __m128* cf;
 
     static Row32f make(const Zev32f* kernel, int K, void* coef) {
-        auto* c = static_cast<__m128*>(coef);
-        for (int j = 0; j < K; ++j) c[j] = _mm_set1_ps(kernel[j]);
-        return Row32f{kernel, K, c};
+        return Row32f{pipe::FloatSum::make(kernel, K, static_cast<__m128*>(coef))};
     }
     bool vectorMiddle(int) const { return true; }
-    // Every column sums its products left to right, from k[0] * s[0].
-    Dst mid(const Src* p, int s) const {
-        float f = k[0] * p[0];
-        for (int j = 1; j < K; ++j) f += k[j] * p[j * s];
-        return f;
-    }
+    Dst mid(const Src* p, int s) const { return scalar(pipe::AlongRow<Src>{p, s}, 0); }
     Dst edge(const Src* p, int s) const { return mid(p, s); }
-    template <class Taps>
-    void vec(const Taps& t, int e, Dst* out) const {
-        _mm_storeu_ps(out, pipe::floatTaps4(t, e, K, cf));
-    }
 };
 
 // ---------------------------------------------------------------- the row pass
@@ -333,8 +322,15 @@ void ownRowMiddle(const Rule& R, const typename Rule::Src* src, typename Rule::D
     const int total = n * C;
     int e = 0;
     if (R.vectorMiddle(n)) {
+        if constexpr (requires { R.bulk(src, C, dst, total); }) e = R.bulk(src, C, dst, total);
         pipe::AlongRow<typename Rule::Src> taps{src, C};
-        for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.vec(taps, e, dst + e);
+        auto run = [&](auto kt) {
+            for (; e + Rule::kLanes <= total; e += Rule::kLanes) R.template vec<kt.value>(taps, e, dst + e);
+        };
+        // The common kernel sizes get loops unrolled over their taps.
+        if (R.K == 3) run(std::integral_constant<int, 3>{});
+        else if (R.K == 5) run(std::integral_constant<int, 5>{});
+        else run(std::integral_constant<int, 0>{});
         for (; e < total; ++e) dst[e] = R.mid(src + e, C);
     } else {
         for (; e < total; ++e) dst[e] = R.edge(src + e, C);
