@@ -5,8 +5,10 @@
 #include <cstdint>
 
 #include "filter/border.h"
+#include "filter/kernels/column_fixed.h"
 #include "filter/kernels/fixed_engine.h"
 #include "filter/kernels/fixed_tables.h"
+#include "filter/kernels/row_fixed.h"
 #include "frame/bands.h"
 #include "frame/check.h"
 #include "frame/core.h"
@@ -20,7 +22,7 @@ using fixed::KernelSet;
 // The row stage of one pass: the row routine, its shape and the vertical constant.
 template <class Src, class Mid>
 struct RowStage {
-    fixed::RowFn<Src, Mid> fn;
+    std::conditional_t<std::is_same_v<Src, Zev32f>, RowFixedFn_32f, RowFixedFn_8u16s> fn;
     int planes;   // 2 for the Laplacian's side sums and centre terms
     Mid constant; // the row kernel's sum times the border value
 };
@@ -117,13 +119,13 @@ Dst* rowOf(Dst* base, int step, int y) {
 }
 
 template <class Src, class Mid>
-RowStage<Src, Mid> rowStage(const KernelSet& ks, int row, Src value) {
+RowStage<Src, Mid> rowStage(int row, Src value) {
     RowStage<Src, Mid> rs{};
     if constexpr (std::is_same_v<Src, Zev32f>) {
-        rs.fn = ks.owntabRow_32f[row];
+        rs.fn = owntabRow_32f[row];
         rs.constant = static_cast<float>(kRowSum[row]) * value;
     } else {
-        rs.fn = ks.owntabRow_8u16s[row];
+        rs.fn = owntabRow_8u16s[row];
         rs.constant = static_cast<Mid>(std::clamp(kRowSum[row] * static_cast<int>(value), -32768, 32767));
     }
     rs.planes = rowPlanes(row);
@@ -140,20 +142,23 @@ struct Job {
     int width, imageHeight;
     int srcStep, dstStep;
     Src value;
-    float inv;
+    int divisor;
+    int inCache;  // 0: the column routines may write past the cache
 
     // One pass of row index `row` and column index `col` over a band, with its
     // output rows given by out(y).
     template <class Out, class Fuse = fixed::NoFuse>
     void pass(Pass p, const Src* src, int rows, int border, std::uint8_t* buf, int y0, Out&& out,
               Fuse&& fuse = {}) const {
-        const RowStage<Src, Mid> rs = rowStage<Src, Mid>(ks, p.row, value);
-        const int plane = fixed::ownRingPlane(width);
+        const RowStage<Src, Mid> rs = rowStage<Src, Mid>(p.row, value);
         const int hborder = withoutRowFlags(border);
         fixed::ownFilterConvolution(
             src, srcStep, width, rows, rs.planes, K, border, rs.constant, buf, y0, imageHeight,
-            [&](const Src* row, Mid* slot, Src* line) { rs.fn(row, slot, width, plane, hborder, value, line); },
-            [&](const Mid* const* win, int y) { out(win, y, plane); }, fuse);
+            [&](const Src* row, Mid* slot, void* scratch) {
+                Mid* const d[1] = {slot};
+                rs.fn(row, srcStep, d, width, 1, hborder, value, scratch);
+            },
+            [&](const Mid* const* win, int y) { out(win, y); }, fuse);
     }
 
     // The fused 3x3 routine where this filter and form have one: always for the
@@ -190,27 +195,27 @@ struct Job {
                 return;
             }
         }
-        auto column = [&](const Mid* const* win, int y, int plane, int col) {
+        auto column = [&](const Mid* const* win, int y, int col) {
             Dst* d = rowOf(dst, dstStep, y);
-            if constexpr (form == Form::k8u16s) ks.owntabColumn_8u16s[col](win, d, w, plane, inv);
-            else if constexpr (form == Form::k8u8s) ks.owntabColumn_8u8s[col](win, d, w, plane, inv);
-            else if constexpr (form == Form::k32f) ks.owntabColumn_32f[col](win, d, w, plane, inv);
-            else ks.owntabColumn_8u[K == 5 ? 1 : 0](win, d, w, plane, inv);
+            if constexpr (form == Form::k8u16s) owntabColumn_8u16s[col](win, d, dstStep, w, 1, inCache);
+            else if constexpr (form == Form::k8u8s) owntabColumn_8u8s[col](win, d, dstStep, w, 1, divisor, inCache);
+            else if constexpr (form == Form::k32f) owntabColumn_32f[col](win, d, dstStep, w, 1);
+            else owntabColumn_8u[K == 5 ? 1 : 0](win, d, dstStep, w, 1, inCache);
         };
         const auto fused = fusedRoutine<Dst>();
         const int hborder = withoutRowFlags(border);
         pass(
             first, src, rows, border, buf, y0,
-            [&](const Mid* const* win, int y, int plane) { column(win, y, plane, first.col); },
-            [&](const Src* row, Mid* slot, Src* line, const Mid* const* win, int y) {
-                if (!fused) return false;
+            [&](const Mid* const* win, int y) { column(win, y, first.col); },
+            [&](const Src* row, Mid* slot, void* scratch, const Mid* const* win, int y) {
                 if constexpr (form == Form::k8u16s || form == Form::k32f)
-                    fused(row, slot, win[0], win[1], rowOf(dst, dstStep, y), w, hborder, value, line);
-                return true;
+                    return fused && fused(row, slot, win[0], win[1], rowOf(dst, dstStep, y), w, hborder, value,
+                                          static_cast<Src*>(scratch));
+                return false;
             });
         if (id == Laplacian && K == 5) {
             pass(kLaplacian5Second, src, rows, border, buf, y0,
-                 [&](const Mid* const* win, int y, int plane) { column(win, y, plane, kLaplacian5Second.col); });
+                 [&](const Mid* const* win, int y) { column(win, y, kLaplacian5Second.col); });
         }
     }
 
@@ -223,10 +228,11 @@ struct Job {
         Zev16s* tmp = reinterpret_cast<Zev16s*>(
             (reinterpret_cast<std::uintptr_t>(buf + engine) + 31) & ~std::uintptr_t{31});
         auto into = [&](int col) {
-            return [&, col](const Zev16s* const* win, int y, int plane) {
-                ks.owntabColumn_8u16s[col](win, tmp + static_cast<std::ptrdiff_t>(y) * tw, w, plane, inv);
+            return [&, col](const Zev16s* const* win, int y) {
+                owntabColumn_8u16s[col](win, tmp + static_cast<std::ptrdiff_t>(y) * tw, tw * 2, w, 1, 1);
             };
         };
+        const float inv = 1.0f / static_cast<float>(divisor);
         pass(kFilters[Laplacian].m5, src, rows, border, buf, y0, into(kFilters[Laplacian].m5.col));
         pass(kLaplacian5Second, src, rows, border, buf, y0, into(kLaplacian5Second.col));
         for (int y = 0; y < rows; ++y) {
@@ -256,8 +262,11 @@ ZevStatus ownFixedFilter(FilterId id, const Src* src, int srcStep, Dst* dst, int
     border = expandInMem(border);
     const int K = (hasMask && maskSize == zevMskSize5x5) ? 5 : 3;
     const int w = roi.width, h = roi.height;
-    const Job<Src, Dst> job{fixed::fixedKernels(), id, K, w, h, srcStep, dstStep, value,
-                            form == Form::k8u8s ? 1.0f / static_cast<float>(divisor) : 1.0f};
+    // The column routines write past the cache when the image would not stay in it.
+    int cacheBytes = 0;
+    zevGetMaxCacheSizeB(&cacheBytes);
+    const int inCache = std::int64_t{w} * h < cacheBytes / 2 ? 1 : 0;
+    const Job<Src, Dst> job{fixed::fixedKernels(), id, K, w, h, srcStep, dstStep, value, divisor, inCache};
 
     const int M = owncvGetMaxNumThreads();
     const int minHeight = (id == Laplacian && form == Form::k8u8s) ? 64 : 256;

@@ -7,7 +7,6 @@
 
 #include "filter/border.h"
 #include "filter/kernels/fixed_engine.h"
-#include "filter/kernels/fixed_tables.h"
 #include "frame/check.h"
 #include "frame/core.h"
 #include "zev_impl.h"
@@ -72,11 +71,10 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
     ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(ZeviSize{w, K}, K, &rowBytes);
     std::uint8_t* ring = rowBuffer + rowBytes;
 
-    const fixed::ColTapsFn column = fixed::fixedKernels().ownColumnTaps_32f;
     const int tightStep = w * static_cast<int>(sizeof(Zev32f));
     fixed::ownFilterConvolution(
         src, srcStep, w, h, 1, K, vborder, borderValue, ring, 0, h,
-        [&](const Zev32f* row, Zev32f* slot, Zev32f*) {
+        [&](const Zev32f* row, Zev32f* slot, void*) {
             // One row at a time, so its own step never matters to the pipeline.
             Zev32f* out = slot;
             ZEVFN(zeviFilterRowBorderPipeline_32f_C1R)(row, tightStep, &out, ZeviSize{w, 1}, weights, K, a, code,
@@ -85,7 +83,8 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
         [&](const Zev32f* const* win, int y) {
             Zev32f* d = reinterpret_cast<Zev32f*>(reinterpret_cast<std::uint8_t*>(dst) +
                                                   static_cast<std::ptrdiff_t>(y) * dstStep);
-            column(win, weights, K, d, w);
+            // The float column form never uses its buffer; one row, so no step matters.
+            ZEVFN(zeviFilterColumnPipeline_32f_C1R)(const_cast<const Zev32f**>(win), d, tightStep, ZeviSize{w, 1}, weights, K, rowBuffer);
         },
         fixed::NoFuse{});
     return zevStsNoError;

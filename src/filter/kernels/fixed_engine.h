@@ -41,18 +41,21 @@ inline std::size_t ownRingSlotBytes(int width, int planes, std::size_t midBytes)
     return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 15) & ~std::size_t{15};
 }
 
-// Bytes the engine takes from its buffer: alignment, scratch line, Kc ring rows,
+// Scratch of the row routines (border line and coefficients).
+constexpr int kEngineScratchBytes = 256;
+
+// Bytes the engine takes from its buffer: alignment, row scratch, Kc ring rows,
 // the constant row and the window of Kc row pointers.
 inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes) {
-    return 16 + 64 + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
+    return 16 + kEngineScratchBytes + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
            static_cast<std::size_t>(Kc) * sizeof(void*);
 }
 
 // Runs the region [0, rows) of a band whose first row is src.
-//   rowCall(row, slot, line): one source row through the row kernel into a ring row;
+//   rowCall(row, slot, scratch): one source row through the row kernel into a ring row;
 //   col(window, y): output row y from window[0..Kc-1], the ring rows
 //                   y - Kc/2 .. y + Kc-1 - Kc/2;
-//   fuse(row, slot, line, window, y): both at once where a fused routine
+//   fuse(row, slot, scratch, window, y): both at once where a fused routine
 //                   exists (returns false where it does not).
 // constant is the value of every element of the vertical constant row.
 template <class Src, class Mid, class RowCall, class Col, class Fuse>
@@ -62,8 +65,8 @@ void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int 
     const int b = Kc / 2, below = Kc - 1 - b;
     const std::size_t slotBytes = ownRingSlotBytes(width, planes, sizeof(Mid));
     std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 15) & ~std::uintptr_t{15});
-    Src* line = reinterpret_cast<Src*>(base);
-    std::uint8_t* ring = base + 64;
+    void* scratch = base;
+    std::uint8_t* ring = base + kEngineScratchBytes;
     Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);
     const Mid** window = reinterpret_cast<const Mid**>(ring + (Kc + 1) * slotBytes);
 
@@ -84,8 +87,8 @@ void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int 
             const Src* row = reinterpret_cast<const Src*>(reinterpret_cast<const std::uint8_t*>(src) +
                                                           static_cast<std::ptrdiff_t>(s) * srcStep);
             window[Kc - 1] = slot;
-            if (y >= 0 && fuse(row, slot, line, static_cast<const Mid* const*>(window), y)) continue;
-            rowCall(row, slot, line);
+            if (y >= 0 && fuse(row, slot, scratch, static_cast<const Mid* const*>(window), y)) continue;
+            rowCall(row, slot, scratch);
         }
         if (y >= 0) col(static_cast<const Mid* const*>(window), y);
     }
