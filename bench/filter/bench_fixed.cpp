@@ -62,7 +62,23 @@ void registerFixed() {
         });
     }
 
+    // OpenCV's default sigma for these sizes, 0.3 ((k - 1) / 2 - 1) + 0.8.
+    for (int k : {5, 7}) {
+        const float sigma = 0.3f * ((k - 1) * 0.5f - 1.0f) + 0.8f;
+        zb::registerPair("zev", k == 5 ? "gauss_5x5_32f" : "gauss_7x7_32f", [&f, buf, k, sigma](benchmark::State&) {
+            zeviFilterGaussBorder_32f_C1R(f.src32.data, f.src32.step, f.dst32.data, f.dst32.step, kRoi, k, sigma, kRep,
+                                          0.0f, buf);
+        });
+    }
+
 #ifdef ZEV_HAVE_OPENCV
+    for (int k : {5, 7}) {
+        const double sigma = 0.3 * ((k - 1) * 0.5 - 1.0) + 0.8;
+        zb::registerPair("peer", k == 5 ? "gauss_5x5_32f" : "gauss_7x7_32f", [&f, k, sigma](benchmark::State&) {
+            cv::Mat s = f.src32.mat(CV_32FC1), d = f.dst32.mat(CV_32FC1);
+            cv::GaussianBlur(s, d, cv::Size(k, k), sigma, sigma, cv::BORDER_REPLICATE);
+        });
+    }
     auto cvSobel = [&f](int depth, bool f32, int dx, int dy, int k) {
         return [&f, depth, f32, dx, dy, k](benchmark::State&) {
             cv::Mat s = f32 ? f.src32.mat(CV_32FC1) : f.src8.mat(CV_8UC1);

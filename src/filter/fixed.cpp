@@ -161,22 +161,16 @@ struct Job {
             [&](const Mid* const* win, int y) { out(win, y); }, fuse);
     }
 
-    // The fused 3x3 routine where this filter and form have one: always for the
-    // float forms but SobelHorizSecond, which keeps it for images below 2^20
-    // pixels; for 8u16s always for SobelHoriz and ScharrVert, below 2^20 pixels
-    // for the others. Both engines give the same pixels.
+    // The fused 3x3 routine where this filter and form have one. It gives the
+    // pixels of the row routine followed by the column routine and is faster at
+    // every size, so it is taken whenever it exists.
     template <class Dst2>
     auto fusedRoutine() const {
         constexpr Form form = formOf<Src, Dst2>();
-        using Fn = fixed::RowColFn<Src, Mid, Mid>;
-        Fn fn = nullptr;
+        fixed::RowColFn<Src, Mid, Mid> fn = nullptr;
         if constexpr (form == Form::k8u16s || form == Form::k32f) {
             const int index = K == 3 ? kFused[id] : -1;
-            const bool small = std::int64_t{width} * imageHeight < 0x100000;
-            bool use = index >= 0;
-            if constexpr (form == Form::k32f) use = use && (id != SobelHorizSecond || small);
-            else use = use && (id == SobelHoriz || id == ScharrVert || small);
-            if (use) {
+            if (index >= 0) {
                 if constexpr (form == Form::k32f) fn = ks.owntabRowColumn_32f[index];
                 else fn = ks.owntabRowColumn_8u16s[index];
             }
