@@ -7,6 +7,7 @@
 
 #include "filter/border.h"
 #include "filter/kernels/fixed_engine.h"
+#include "filter/kernels/fixed_tables.h"
 #include "frame/check.h"
 #include "frame/core.h"
 #include "zev_impl.h"
@@ -60,18 +61,21 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
     if (h == 1 && code != zevBorderConst) code = zevBorderReplicate;  // one row: its own border
     const int vborder = code | (borderType & (zevBorderInMemTop | zevBorderInMemBottom));
 
-    // Layout: weights, then the row pipeline's work area, then the ring.
+    // Layout: weights, the fused step's border line, the row pipeline's work
+    // area, then the engine's ring.
     auto align = [](std::uint8_t* p, std::uintptr_t n) {
         return reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(p) + n - 1) & ~(n - 1));
     };
     Zev32f* weights = reinterpret_cast<Zev32f*>(align(buffer, 16));
     gaussWeights(weights, K, sigma);
-    Zev8u* rowBuffer = align(reinterpret_cast<std::uint8_t*>(weights + K), 32);
+    Zev32f* line = weights + K;  // 3K - 3 elements
+    Zev8u* rowBuffer = align(reinterpret_cast<std::uint8_t*>(line + 3 * K), 32);
     int rowBytes = 0;
     ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(ZeviSize{w, K}, K, &rowBytes);
     std::uint8_t* ring = rowBuffer + rowBytes;
 
     const int tightStep = w * static_cast<int>(sizeof(Zev32f));
+    const fixed::GaussStepFn step = fixed::fixedKernels().ownGaussRowColumn_32f;
     fixed::ownFilterConvolution(
         src, srcStep, w, h, 1, K, vborder, borderValue, ring, 0, h,
         [&](const Zev32f* row, Zev32f* slot, void*) {
@@ -84,9 +88,16 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
             Zev32f* d = reinterpret_cast<Zev32f*>(reinterpret_cast<std::uint8_t*>(dst) +
                                                   static_cast<std::ptrdiff_t>(y) * dstStep);
             // The float column form never uses its buffer; one row, so no step matters.
-            ZEVFN(zeviFilterColumnPipeline_32f_C1R)(const_cast<const Zev32f**>(win), d, tightStep, ZeviSize{w, 1}, weights, K, rowBuffer);
+            ZEVFN(zeviFilterColumnPipeline_32f_C1R)(const_cast<const Zev32f**>(win), d, tightStep, ZeviSize{w, 1},
+                                                    weights, K, rowBuffer);
         },
-        fixed::NoFuse{});
+        // Both stages in one pass where the row is wide enough: the same sums.
+        [&](const Zev32f* row, Zev32f* slot, void*, const Zev32f* const* win, int y) {
+            Zev32f* d = reinterpret_cast<Zev32f*>(reinterpret_cast<std::uint8_t*>(dst) +
+                                                  static_cast<std::ptrdiff_t>(y) * dstStep);
+            return step(row, slot, win, d, w, K, weights, code, borderValue, line);
+        },
+        0);  // the row stages keep their scratch elsewhere
     return zevStsNoError;
 }
 

@@ -84,3 +84,44 @@ TEST(FixedFused, SameAsRowThenColumnWith32ByteRegisters) {
 }
 
 }  // namespace
+
+namespace {
+
+// The fused Gaussian step against the float row pipeline and column pipeline.
+void compareGauss(const KernelSet& ks, zt::Rng& rng) {
+    for (int K : {3, 5, 7, 11})
+        for (int w = 1; w <= kMaxW; ++w)
+            for (int border : {0, 1, 2, 3, 4}) {
+                std::vector<float> k = randomRow<float>(rng, K), src = randomRow<float>(rng, w);
+                std::vector<std::vector<float>> rows;
+                for (int t = 0; t + 1 < K; ++t) rows.push_back(randomRow<float>(rng, w));
+                std::vector<float> slotA(w), slotB(w), dstA(w + 1, 0.0f), dstB(w + 1, 0.0f), line(3 * K);
+                std::vector<const float*> winA, winB;
+                for (auto& r : rows) winA.push_back(r.data()), winB.push_back(r.data());
+                winA.push_back(slotA.data());
+                winB.push_back(slotB.data());
+                if (!ks.ownGaussRowColumn_32f(src.data(), slotA.data(), winA.data(), dstA.data(), w, K, k.data(), border,
+                                              1.5f, line.data()))
+                    continue;
+                int n = 0;
+                ASSERT_EQ(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R({w, 1}, K, &n), zevStsNoError);
+                std::vector<Zev8u> buf(n);
+                float* out = slotB.data();
+                ASSERT_EQ(zeviFilterRowBorderPipeline_32f_C1R(src.data(), w * 4, &out, {w, 1}, k.data(), K, K / 2,
+                                                              border, 1.5f, buf.data()),
+                          zevStsNoError);
+                ASSERT_EQ(zeviFilterColumnPipeline_32f_C1R(winB.data(), dstB.data(), w * 4, {w, 1}, k.data(), K,
+                                                           buf.data()),
+                          zevStsNoError);
+                ASSERT_TRUE(zt::sameBits(slotA, slotB)) << "K=" << K << " w=" << w << " border=" << border;
+                ASSERT_TRUE(zt::sameBits(dstA, dstB)) << "K=" << K << " w=" << w << " border=" << border;
+            }
+}
+
+TEST(FixedGaussStep, SameAsThePipelinesAtEachLevel) {
+    zt::Rng rng(15);
+    compareGauss(v8::fixed::fixedKernelsSsse3(), rng);
+    if (v8::simd::hasAvx2()) compareGauss(v8::fixed::fixedKernelsAvx2(), rng);
+}
+
+}  // namespace

@@ -41,13 +41,14 @@ inline std::size_t ownRingSlotBytes(int width, int planes, std::size_t midBytes)
     return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 15) & ~std::size_t{15};
 }
 
-// Scratch of the row routines (border line and coefficients).
+// Scratch of the fixed-weight row routines (border line and coefficients).
 constexpr int kEngineScratchBytes = 256;
 
-// Bytes the engine takes from its buffer: alignment, row scratch, Kc ring rows,
-// the constant row and the window of Kc row pointers.
-inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes) {
-    return 16 + kEngineScratchBytes + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
+// Bytes the engine takes from its buffer: alignment, row scratch (a multiple of
+// 16), Kc ring rows, the constant row and the window of Kc row pointers.
+inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes,
+                                  int scratchBytes = kEngineScratchBytes) {
+    return 16 + scratchBytes + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
            static_cast<std::size_t>(Kc) * sizeof(void*);
 }
 
@@ -57,16 +58,17 @@ inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t mid
 //                   y - Kc/2 .. y + Kc-1 - Kc/2;
 //   fuse(row, slot, scratch, window, y): both at once where a fused routine
 //                   exists (returns false where it does not).
-// constant is the value of every element of the vertical constant row.
+// constant is the value of every element of the vertical constant row;
+// scratchBytes the size of the scratch handed to rowCall and fuse.
 template <class Src, class Mid, class RowCall, class Col, class Fuse>
 void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int planes, int Kc, int border,
                           Mid constant, std::uint8_t* buffer, int y0, int imageHeight, RowCall&& rowCall, Col&& col,
-                          Fuse&& fuse) {
+                          Fuse&& fuse, int scratchBytes = kEngineScratchBytes) {
     const int b = Kc / 2, below = Kc - 1 - b;
     const std::size_t slotBytes = ownRingSlotBytes(width, planes, sizeof(Mid));
     std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 15) & ~std::uintptr_t{15});
     void* scratch = base;
-    std::uint8_t* ring = base + kEngineScratchBytes;
+    std::uint8_t* ring = base + scratchBytes;
     Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);
     const Mid** window = reinterpret_cast<const Mid**>(ring + (Kc + 1) * slotBytes);
 

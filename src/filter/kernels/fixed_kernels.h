@@ -140,6 +140,46 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, 
     return true;
 }
 
+// Gaussian step, any odd K: the new row through the weights (left to right from
+// k[0] * s[0], as the float row pipeline sums) into slot, and in the same pass
+// the output row from the window's K rows (the last being slot), summed from
+// tap 0 as the float column pipeline does. Declines rows narrower than K plus a
+// register.
+inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int K,
+                              const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+    const int a = K / 2, n = w - K + 1;
+    if (n < VF::N) return false;
+    auto rowScalar = [&](const Zev32f* s) {
+        float acc = k[0] * s[0];
+        for (int i = 1; i < K; ++i) acc = acc + k[i] * s[i];
+        return acc;
+    };
+    auto columnScalar = [&](int x) {
+        float acc = k[0] * win[0][x];
+        for (int t = 1; t < K; ++t) acc = acc + k[t] * win[t][x];
+        dst[x] = acc;
+    };
+    const int r = fillBorder<Zev32f>(src, line, w, K, a, border, &value);
+    for (int i = 0; i < a; ++i) slot[i] = rowScalar(line + i);
+    for (int i = 0; i < K - 1 - a; ++i) slot[a + n + i] = rowScalar(line + r + i);
+    int i = 0;
+    for (; i + VF::N <= n; i += VF::N) {
+        const Zev32f* s = src + i;
+        typename VF::V acc = VF::mul(VF::load(s), k[0]);
+        for (int t = 1; t < K; ++t) acc = VF::add(acc, VF::mul(VF::load(s + t), k[t]));
+        VF::store(slot + a + i, acc);
+        const int x = a + i;
+        typename VF::V out = VF::mul(VF::load(win[0] + x), k[0]);
+        for (int t = 1; t + 1 < K; ++t) out = VF::add(out, VF::mul(VF::load(win[t] + x), k[t]));
+        VF::store(dst + x, VF::add(out, VF::mul(acc, k[K - 1])));
+    }
+    const int fusedEnd = a + i;
+    for (; i < n; ++i) slot[a + i] = rowScalar(src + i);
+    for (int x = 0; x < a; ++x) columnScalar(x);
+    for (int x = fusedEnd; x < w; ++x) columnScalar(x);
+    return true;
+}
+
 template <class Src>
 constexpr auto rowColumnTable() {
     using M = typename PolicyOf<Src>::Mid;
@@ -156,7 +196,7 @@ constexpr auto rowColumnTable() {
 inline const KernelSet& kernelSet() {
     static constexpr auto rowcol8u = rowColumnTable<Zev8u>();
     static constexpr auto rowcol32f = rowColumnTable<Zev32f>();
-    static constexpr KernelSet set{rowcol8u.data(), rowcol32f.data()};
+    static constexpr KernelSet set{rowcol8u.data(), rowcol32f.data(), ownGaussRowColumn};
     return set;
 }
 

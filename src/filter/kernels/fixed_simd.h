@@ -82,6 +82,7 @@ struct ScalarF32 {
         else if constexpr (k == -1) return neg(a);                                            \
         else return pre##_mul_ps(a, pre##_set1_ps(static_cast<float>(k)));                   \
     }                                                                                         \
+    static V mul(V a, float k) { return pre##_mul_ps(a, pre##_set1_ps(k)); }                 \
     static V load(const Zev32f* p) { return simd::load<V>(p); }                               \
     static void store(Zev32f* p, V v) { simd::store(p, v); }
 

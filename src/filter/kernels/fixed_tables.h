@@ -20,9 +20,16 @@ using RowColFn = bool (*)(const Src* src, Mid* slot, const Mid* r0, const Mid* r
 
 constexpr int kRowColumnCount = 8;
 
+// Gaussian step of any odd K with float weights k: the source row through the
+// weights into slot (the window's last row) and the output row from the K
+// window rows. Returns false, having written nothing, for narrow rows.
+using GaussStepFn = bool (*)(const Zev32f* src, Zev32f* slot, const Zev32f* const* window, Zev32f* dst, int width,
+                             int K, const Zev32f* k, int border, Zev32f value, Zev32f* line);
+
 struct KernelSet {
     const RowColFn<Zev8u, Zev16s, Zev16s>* owntabRowColumn_8u16s;
     const RowColFn<Zev32f, Zev32f, Zev32f>* owntabRowColumn_32f;
+    GaussStepFn ownGaussRowColumn_32f;
 };
 
 // The tables for this processor: 32-byte registers where the processor has them.
