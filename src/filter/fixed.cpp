@@ -37,7 +37,7 @@ constexpr FilterDef kFilters[] = {
     {{6, 1}, {7, 4}},   {{2, 2}, {3, 3}},  {{2, 11}, {3, 12}}, {{2, 1}, {3, 4}},  {{6, 5}, {7, 6}},
     {{4, 2}, {5, 3}},   {{1, 1}, {-1, -1}}, {{0, 0}, {-1, -1}}, {{10, 7}, {7, 6}}, {{8, 9}, {9, 10}},
 };
-// Index of the fused 3x3 routine of each filter (-1: none).
+// Index of the fused routine of each filter (-1: none).
 constexpr int kFused[] = {0, 3, 4, 2, 5, 6, 1, 7, -1, -1};
 
 // The 5x5 Laplacian's second pass, added to the first: D2x along rows, Sobel along columns.
@@ -161,7 +161,7 @@ struct Job {
             [&](const Mid* const* win, int y) { out(win, y); }, fuse);
     }
 
-    // The fused 3x3 routine where this filter and form have one. It gives the
+    // The fused routine where this filter, mask and form have one. It gives the
     // pixels of the row routine followed by the column routine and is faster at
     // every size, so it is taken whenever it exists.
     template <class Dst2>
@@ -169,10 +169,12 @@ struct Job {
         constexpr Form form = formOf<Src, Dst2>();
         fixed::RowColFn<Src, Mid, Mid> fn = nullptr;
         if constexpr (form == Form::k8u16s || form == Form::k32f) {
-            const int index = K == 3 ? kFused[id] : -1;
+            const int index = kFused[id];
             if (index >= 0) {
-                if constexpr (form == Form::k32f) fn = ks.owntabRowColumn_32f[index];
-                else fn = ks.owntabRowColumn_8u16s[index];
+                if constexpr (form == Form::k32f)
+                    fn = (K == 3 ? ks.owntabRowColumn_32f : ks.owntabRowColumn5x5_32f)[index];
+                else
+                    fn = (K == 3 ? ks.owntabRowColumn_8u16s : ks.owntabRowColumn5x5_8u16s)[index];
             }
         }
         return fn;
@@ -203,7 +205,7 @@ struct Job {
             [&](const Mid* const* win, int y) { column(win, y, first.col); },
             [&](const Src* row, Mid* slot, void* scratch, const Mid* const* win, int y) {
                 if constexpr (form == Form::k8u16s || form == Form::k32f)
-                    return fused && fused(row, slot, win[0], win[1], rowOf(dst, dstStep, y), w, hborder, value,
+                    return fused && fused(row, slot, win, rowOf(dst, dstStep, y), w, hborder, value,
                                           static_cast<Src*>(scratch));
                 return false;
             });

@@ -1,6 +1,6 @@
-// The fused 3x3 routines against the row routine followed by the column routine
-// of the shared tables, at each instruction level: same ring row, same output,
-// bit for bit, for every width up to a few registers and every border code.
+// The fused routines against the row routine followed by the column routine of
+// the shared tables, at each instruction level: same ring row, same output, bit
+// for bit, for every width up to a few registers and every border code.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -29,58 +29,78 @@ std::vector<T> randomRow(zt::Rng& rng, int n) {
     return v;
 }
 
-// Fused index -> (row index, column index) in the shared tables.
-constexpr int kPairs[v8::fixed::kRowColumnCount][2] = {{6, 1}, {1, 1}, {2, 1}, {2, 2},
-                                                       {2, 11}, {6, 5}, {4, 2}, {0, 0}};
+// Fused index -> (row index, column index) in the shared tables, 3x3 and 5x5.
+constexpr int kPairs3[v8::fixed::kRowColumnCount][2] = {{6, 1}, {1, 1}, {2, 1}, {2, 2},
+                                                        {2, 11}, {6, 5}, {4, 2}, {0, 0}};
+constexpr int kPairs5[v8::fixed::kRowColumnCount][2] = {{7, 4}, {-1, -1}, {3, 4}, {3, 3},
+                                                        {3, 12}, {7, 6}, {5, 3}, {-1, -1}};
 
 template <class Src, class Mid>
-void compareFused(const KernelSet& ks, zt::Rng& rng) {
-    for (int i = 0; i < v8::fixed::kRowColumnCount; ++i)
+void compareFused(const KernelSet& ks, int K, zt::Rng& rng) {
+    using Fused = v8::fixed::RowColFn<Src, Mid, Mid>;
+    const Fused* fusedTable;
+    if constexpr (std::is_same_v<Src, float>)
+        fusedTable = K == 3 ? ks.owntabRowColumn_32f : ks.owntabRowColumn5x5_32f;
+    else
+        fusedTable = K == 3 ? ks.owntabRowColumn_8u16s : ks.owntabRowColumn5x5_8u16s;
+    const auto& pairs = K == 3 ? kPairs3 : kPairs5;
+    for (int i = 0; i < v8::fixed::kRowColumnCount; ++i) {
+        const Fused fused = fusedTable[i];
+        if (pairs[i][0] < 0) {
+            EXPECT_EQ(fused, nullptr);
+            continue;
+        }
         for (int w = 1; w <= kMaxW; ++w)
             for (int border : {0, 1, 2, 3, 4, 0x40 | 1, 0x80 | 3}) {
                 // Two pixels of margin on each side for the in-memory flags.
                 std::vector<Src> src = randomRow<Src>(rng, w + 4);
-                std::vector<Mid> r0 = randomRow<Mid>(rng, kPlane), r1 = randomRow<Mid>(rng, kPlane);
+                std::vector<std::vector<Mid>> older;
+                std::vector<const Mid*> winA, rows;
+                for (int k = 0; k + 1 < K; ++k) older.push_back(randomRow<Mid>(rng, kPlane));
+                for (auto& o : older) winA.push_back(o.data()), rows.push_back(o.data());
                 std::vector<Mid> slotA(kPlane, Mid{}), slotB(kPlane, Mid{}), dstA(w + 1, Mid{}), dstB(w + 1, Mid{});
+                rows.push_back(slotB.data());
                 alignas(16) std::uint8_t scratch[v8::kFixedRowScratchBytes];
                 const Src value = src[1];
-                const Mid* rows[3] = {r0.data(), r1.data(), slotB.data()};
                 Mid* const slotOut[1] = {slotB.data()};
-                bool fused;
-                if constexpr (std::is_same_v<Src, float>) {
-                    fused = ks.owntabRowColumn_32f[i](src.data() + 2, slotA.data(), r0.data(), r1.data(), dstA.data(),
-                                                      w, border, value, reinterpret_cast<Src*>(scratch));
-                    v8::owntabRow_32f[kPairs[i][0]](src.data() + 2, 0, slotOut, w, 1, border, value, scratch);
-                    v8::owntabColumn_32f[kPairs[i][1]](rows, dstB.data(), 0, w, 1);
-                } else {
-                    fused = ks.owntabRowColumn_8u16s[i](src.data() + 2, slotA.data(), r0.data(), r1.data(),
-                                                        dstA.data(), w, border, value, reinterpret_cast<Src*>(scratch));
-                    v8::owntabRow_8u16s[kPairs[i][0]](src.data() + 2, 0, slotOut, w, 1, border, value, scratch);
-                    v8::owntabColumn_8u16s[kPairs[i][1]](rows, dstB.data(), 0, w, 1, 1);
-                }
-                if (!fused) {
+                const bool done = fused(src.data() + 2, slotA.data(), winA.data(), dstA.data(), w, border, value,
+                                        reinterpret_cast<Src*>(scratch));
+                if (!done) {
                     // Declined rows stay untouched.
                     ASSERT_EQ(dstA, std::vector<Mid>(w + 1, Mid{})) << "fused " << i << " w=" << w;
                     continue;
                 }
+                if constexpr (std::is_same_v<Src, float>) {
+                    v8::owntabRow_32f[pairs[i][0]](src.data() + 2, 0, slotOut, w, 1, border, value, scratch);
+                    v8::owntabColumn_32f[pairs[i][1]](rows.data(), dstB.data(), 0, w, 1);
+                } else {
+                    v8::owntabRow_8u16s[pairs[i][0]](src.data() + 2, 0, slotOut, w, 1, border, value, scratch);
+                    v8::owntabColumn_8u16s[pairs[i][1]](rows.data(), dstB.data(), 0, w, 1, 1);
+                }
                 ASSERT_EQ(std::memcmp(slotA.data(), slotB.data(), w * sizeof(Mid)), 0)
-                    << "fused " << i << " ring row, w=" << w << " border=" << border;
+                    << "fused " << K << "x" << K << " " << i << " ring row, w=" << w << " border=" << border;
                 ASSERT_EQ(std::memcmp(dstA.data(), dstB.data(), (w + 1) * sizeof(Mid)), 0)
-                    << "fused " << i << " output, w=" << w << " border=" << border;
+                    << "fused " << K << "x" << K << " " << i << " output, w=" << w << " border=" << border;
             }
+    }
+}
+
+void compareAllFused(const KernelSet& ks, zt::Rng& rng) {
+    for (int K : {3, 5}) {
+        compareFused<Zev8u, Zev16s>(ks, K, rng);
+        compareFused<Zev32f, Zev32f>(ks, K, rng);
+    }
 }
 
 TEST(FixedFused, SameAsRowThenColumnAtTheFloor) {
     zt::Rng rng(13);
-    compareFused<Zev8u, Zev16s>(v8::fixed::fixedKernelsSsse3(), rng);
-    compareFused<Zev32f, Zev32f>(v8::fixed::fixedKernelsSsse3(), rng);
+    compareAllFused(v8::fixed::fixedKernelsSsse3(), rng);
 }
 
 TEST(FixedFused, SameAsRowThenColumnWith32ByteRegisters) {
     if (!v8::simd::hasAvx2()) GTEST_SKIP() << "no AVX2 on this processor";
     zt::Rng rng(14);
-    compareFused<Zev8u, Zev16s>(v8::fixed::fixedKernelsAvx2(), rng);
-    compareFused<Zev32f, Zev32f>(v8::fixed::fixedKernelsAvx2(), rng);
+    compareAllFused(v8::fixed::fixedKernelsAvx2(), rng);
 }
 
 }  // namespace

@@ -50,6 +50,27 @@ struct RowSobel3 {  // 1 2 1
     }
 };
 
+struct RowDxNeg5 {  // 1 2 0 -2 -1
+    static constexpr int K = 5;
+    template <class P, class V> static void f(const V* s, V* o) {
+        o[0] = P::sub(P::sub(P::add(s[0], P::template mul<2>(s[1])), P::template mul<2>(s[3])), s[4]);
+    }
+};
+struct RowD2x5 {  // 1 0 -2 0 1
+    static constexpr int K = 5;
+    template <class P, class V> static void f(const V* s, V* o) {
+        o[0] = P::add(P::sub(s[0], P::template mul<2>(s[2])), s[4]);
+    }
+};
+struct RowSobel5 {  // 1 4 6 4 1
+    static constexpr int K = 5;
+    template <class P, class V> static void f(const V* s, V* o) {
+        o[0] = P::add(P::add(P::add(P::add(s[0], P::template mul<4>(s[1])), P::template mul<6>(s[2])),
+                             P::template mul<4>(s[3])),
+                      s[4]);
+    }
+};
+
 // ---------------------------------------------------------------- column kernels
 
 struct ColScharr3 {
@@ -69,6 +90,24 @@ struct ColSobel3 {
 struct ColD2x3 {
     static constexpr int K = 3;
     template <class P, class V> static V f(const V* r) { return P::add(P::sub(r[0], P::template mul<2>(r[1])), r[2]); }
+};
+struct ColSobel5 {
+    static constexpr int K = 5;
+    template <class P, class V> static V f(const V* r) {
+        return P::add(P::add(P::add(P::add(r[0], P::template mul<4>(r[1])), P::template mul<6>(r[2])),
+                             P::template mul<4>(r[3])),
+                      r[4]);
+    }
+};
+struct ColDx5 {  // r4 - r0 + 2 (r3 - r1)
+    static constexpr int K = 5;
+    template <class P, class V> static V f(const V* r) {
+        return P::add(P::sub(r[4], r[0]), P::template mul<2>(P::sub(r[3], r[1])));
+    }
+};
+struct ColD2x5 {
+    static constexpr int K = 5;
+    template <class P, class V> static V f(const V* r) { return P::add(P::sub(r[0], P::template mul<2>(r[2])), r[4]); }
 };
 template <class Col>
 struct ColNeg {
@@ -104,39 +143,43 @@ inline void rowWindow(const Src* s, Mid* d) {
     SP::store(d, o[0]);
 }
 
-// Fused 3x3 step: the new row (the window's third) through the row kernel into
-// its ring row, and in the same pass the output row from the two older ring rows
-// and the new values still in registers. Same numbers as the row routine
-// followed by the column routine. Rows narrower than a register and the two
-// border columns are declined (false, nothing written): the caller then runs
-// the row and column routines.
+// Fused step: the new row (the window's last) through the row kernel into its
+// ring row, and in the same pass the output row from the K-1 older ring rows and
+// the new values still in registers. Same numbers as the row routine followed
+// by the column routine. Rows narrower than K plus a register are declined
+// (false, nothing written): the caller then runs the row and column routines.
 template <class RowOp, class ColOp, class Out, class Src, class Mid, class Dst>
-bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, Dst* dst, int w, int border,
-                       Src value, Src* line) {
-    static_assert(RowOp::K == 3 && ColOp::K == 3, "3x3 kernels");
+bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* dst, int w, int border, Src value,
+                       Src* line) {
+    static_assert(RowOp::K == ColOp::K, "square masks");
+    constexpr int K = RowOp::K, a = K / 2;
     using SP = typename PolicyOf<Mid>::S;
     using VP = typename PolicyOf<Mid>::V;
-    if (w - 2 < VP::N) return false;
-    const int r = fillBorder<Src>(src, line, w, 3, 1, border, &value);
-    rowWindow<RowOp>(line, slot);
-    rowWindow<RowOp>(line + r, slot + w - 1);
-    int x = 1;
-    for (; x + VP::N <= w - 1; x += VP::N) {
-        typename VP::V t[3], o[1];
-        for (int k = 0; k < 3; ++k) t[k] = VP::load(src + x - 1 + k);
+    const int n = w - K + 1;  // windows inside the row
+    if (n < VP::N) return false;
+    const int r = fillBorder<Src>(src, line, w, K, a, border, &value);
+    for (int i = 0; i < a; ++i) rowWindow<RowOp>(line + i, slot + i);
+    for (int i = 0; i < K - 1 - a; ++i) rowWindow<RowOp>(line + r + i, slot + a + n + i);
+    int i = 0;
+    for (; i + VP::N <= n; i += VP::N) {
+        typename VP::V t[K], o[1], c[K];
+        for (int k = 0; k < K; ++k) t[k] = VP::load(src + i + k);
         RowOp::template f<VP>(t, o);
-        VP::store(slot + x, o[0]);
-        typename VP::V c[3] = {VP::load(r0 + x), VP::load(r1 + x), o[0]};
-        Out::template put<VP>(dst + x, ColOp::template f<VP>(c));
+        VP::store(slot + a + i, o[0]);
+        for (int k = 0; k + 1 < K; ++k) c[k] = VP::load(win[k] + a + i);
+        c[K - 1] = o[0];
+        Out::template put<VP>(dst + a + i, ColOp::template f<VP>(c));
     }
-    const int fused = x;
-    for (; x < w - 1; ++x) rowWindow<RowOp>(src + x - 1, slot + x);
-    auto column = [&](int xc) {
-        typename SP::V c[3] = {SP::load(r0 + xc), SP::load(r1 + xc), SP::load(slot + xc)};
-        Out::template put<SP>(dst + xc, ColOp::template f<SP>(c));
+    const int fusedEnd = a + i;
+    for (; i < n; ++i) rowWindow<RowOp>(src + i, slot + a + i);
+    auto column = [&](int x) {
+        typename SP::V c[K];
+        for (int k = 0; k + 1 < K; ++k) c[k] = SP::load(win[k] + x);
+        c[K - 1] = SP::load(slot + x);
+        Out::template put<SP>(dst + x, ColOp::template f<SP>(c));
     };
-    column(0);
-    for (x = fused; x < w; ++x) column(x);
+    for (int x = 0; x < a; ++x) column(x);
+    for (int x = fusedEnd; x < w; ++x) column(x);
     return true;
 }
 
@@ -144,9 +187,12 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, 
 // k[0] * s[0], as the float row pipeline sums) into slot, and in the same pass
 // the output row from the window's K rows (the last being slot), summed from
 // tap 0 as the float column pipeline does. Declines rows narrower than K plus a
-// register.
-inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int K,
-                              const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+// register. KC is K where it is known at build time (weights held in
+// registers), 0 for any other K.
+template <int KC>
+bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int Kany,
+                  const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+    const int K = KC ? KC : Kany;
     const int a = K / 2, n = w - K + 1;
     if (n < VF::N) return false;
     auto rowScalar = [&](const Zev32f* s) {
@@ -162,16 +208,30 @@ inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* con
     const int r = fillBorder<Zev32f>(src, line, w, K, a, border, &value);
     for (int i = 0; i < a; ++i) slot[i] = rowScalar(line + i);
     for (int i = 0; i < K - 1 - a; ++i) slot[a + n + i] = rowScalar(line + r + i);
+    constexpr int kHeld = KC ? KC : 1;
+    typename VF::V kv[kHeld];
+    const Zev32f* rows[kHeld];
+    for (int t = 0; t < kHeld; ++t) kv[t] = VF::load1(k[t]), rows[t] = win[t];
     int i = 0;
     for (; i + VF::N <= n; i += VF::N) {
         const Zev32f* s = src + i;
-        typename VF::V acc = VF::mul(VF::load(s), k[0]);
-        for (int t = 1; t < K; ++t) acc = VF::add(acc, VF::mul(VF::load(s + t), k[t]));
-        VF::store(slot + a + i, acc);
         const int x = a + i;
-        typename VF::V out = VF::mul(VF::load(win[0] + x), k[0]);
-        for (int t = 1; t + 1 < K; ++t) out = VF::add(out, VF::mul(VF::load(win[t] + x), k[t]));
-        VF::store(dst + x, VF::add(out, VF::mul(acc, k[K - 1])));
+        typename VF::V acc, out;
+        if constexpr (KC != 0) {
+            acc = VF::mul(VF::load(s), kv[0]);
+            for (int t = 1; t < KC; ++t) acc = VF::add(acc, VF::mul(VF::load(s + t), kv[t]));
+            out = VF::mul(VF::load(rows[0] + x), kv[0]);
+            for (int t = 1; t + 1 < KC; ++t) out = VF::add(out, VF::mul(VF::load(rows[t] + x), kv[t]));
+            out = VF::add(out, VF::mul(acc, kv[KC - 1]));
+        } else {
+            acc = VF::mul(VF::load(s), k[0]);
+            for (int t = 1; t < K; ++t) acc = VF::add(acc, VF::mul(VF::load(s + t), k[t]));
+            out = VF::mul(VF::load(win[0] + x), k[0]);
+            for (int t = 1; t + 1 < K; ++t) out = VF::add(out, VF::mul(VF::load(win[t] + x), k[t]));
+            out = VF::add(out, VF::mul(acc, k[K - 1]));
+        }
+        VF::store(slot + x, acc);
+        VF::store(dst + x, out);
     }
     const int fusedEnd = a + i;
     for (; i < n; ++i) slot[a + i] = rowScalar(src + i);
@@ -180,11 +240,21 @@ inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* con
     return true;
 }
 
+inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int K,
+                              const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+    switch (K) {
+    case 3: return ownGaussStep<3>(src, slot, win, dst, w, K, k, border, value, line);
+    case 5: return ownGaussStep<5>(src, slot, win, dst, w, K, k, border, value, line);
+    case 7: return ownGaussStep<7>(src, slot, win, dst, w, K, k, border, value, line);
+    default: return ownGaussStep<0>(src, slot, win, dst, w, K, k, border, value, line);
+    }
+}
+
 template <class Src>
-constexpr auto rowColumnTable() {
+constexpr auto rowColumnTable3() {
     using M = typename PolicyOf<Src>::Mid;
     using Out = std::conditional_t<std::is_same_v<Src, Zev32f>, Put32f, Put16s>;
-    return std::array<RowColFn<Src, M, M>, 8>{
+    return std::array<RowColFn<Src, M, M>, kRowColumnCount>{
         ownFixedRowColumn<RowSobel3, ColDx3, Out, Src, M, M>,     ownFixedRowColumn<RowScharr3, ColDx3, Out, Src, M, M>,
         ownFixedRowColumn<RowDxNeg3, ColDx3, Out, Src, M, M>,     ownFixedRowColumn<RowDxNeg3, ColSobel3, Out, Src, M, M>,
         ownFixedRowColumn<RowDxNeg3, ColNeg<ColSobel3>, Out, Src, M, M>,
@@ -192,11 +262,26 @@ constexpr auto rowColumnTable() {
         ownFixedRowColumn<RowDx3, ColScharr3, Out, Src, M, M>};
 }
 
+// The same filters with 5x5 masks; Scharr has none.
+template <class Src>
+constexpr auto rowColumnTable5() {
+    using M = typename PolicyOf<Src>::Mid;
+    using Out = std::conditional_t<std::is_same_v<Src, Zev32f>, Put32f, Put16s>;
+    return std::array<RowColFn<Src, M, M>, kRowColumnCount>{
+        ownFixedRowColumn<RowSobel5, ColDx5, Out, Src, M, M>,     nullptr,
+        ownFixedRowColumn<RowDxNeg5, ColDx5, Out, Src, M, M>,     ownFixedRowColumn<RowDxNeg5, ColSobel5, Out, Src, M, M>,
+        ownFixedRowColumn<RowDxNeg5, ColNeg<ColSobel5>, Out, Src, M, M>,
+        ownFixedRowColumn<RowSobel5, ColD2x5, Out, Src, M, M>,    ownFixedRowColumn<RowD2x5, ColSobel5, Out, Src, M, M>,
+        nullptr};
+}
+
 // The fused tables, for this instruction level.
 inline const KernelSet& kernelSet() {
-    static constexpr auto rowcol8u = rowColumnTable<Zev8u>();
-    static constexpr auto rowcol32f = rowColumnTable<Zev32f>();
-    static constexpr KernelSet set{rowcol8u.data(), rowcol32f.data(), ownGaussRowColumn};
+    static constexpr auto rc8u3 = rowColumnTable3<Zev8u>();
+    static constexpr auto rc32f3 = rowColumnTable3<Zev32f>();
+    static constexpr auto rc8u5 = rowColumnTable5<Zev8u>();
+    static constexpr auto rc32f5 = rowColumnTable5<Zev32f>();
+    static constexpr KernelSet set{rc8u3.data(), rc32f3.data(), rc8u5.data(), rc32f5.data(), ownGaussRowColumn};
     return set;
 }
 

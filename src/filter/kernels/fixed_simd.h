@@ -83,6 +83,8 @@ struct ScalarF32 {
         else return pre##_mul_ps(a, pre##_set1_ps(static_cast<float>(k)));                   \
     }                                                                                         \
     static V mul(V a, float k) { return pre##_mul_ps(a, pre##_set1_ps(k)); }                 \
+    static V mul(V a, V k) { return pre##_mul_ps(a, k); }                                    \
+    static V load1(float v) { return pre##_set1_ps(v); }                                      \
     static V load(const Zev32f* p) { return simd::load<V>(p); }                               \
     static void store(Zev32f* p, V v) { simd::store(p, v); }
 

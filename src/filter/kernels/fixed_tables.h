@@ -1,9 +1,9 @@
-// The fused 3x3 row-and-column routines of the fixed filters, one table per
-// element type and instruction level, by index:
+// The fused row-and-column routines of the fixed filters, one table per mask
+// size, element type and instruction level, by index:
 //   0 SobelHoriz, 1 ScharrHoriz, 2 SobelCross, 3 SobelVert, 4 SobelVertNeg,
-//   5 SobelHorizSecond, 6 SobelVertSecond, 7 ScharrVert
-// Each is the 3-tap row routine of the row table followed by the 3-tap column
-// routine of the column table (row_fixed.h, column_fixed.h), done in one pass.
+//   5 SobelHorizSecond, 6 SobelVertSecond, 7 ScharrVert (no Scharr at 5x5)
+// Each is the row routine of the row table followed by the column routine of
+// the column table (row_fixed.h, column_fixed.h), done in one pass.
 #pragma once
 
 #include "zevcv.h"
@@ -11,11 +11,11 @@
 namespace v8::fixed {
 
 // The source row src through the row kernel into slot, and the output row dst
-// from r0, r1 (the two ring rows above) and slot. border: horizontal meaning
+// from window[0..K-2] (the ring rows above) and slot. border: horizontal meaning
 // only; line: scratch for the border windows. Returns false, having written
 // nothing, for rows too narrow for it.
 template <class Src, class Mid, class Dst>
-using RowColFn = bool (*)(const Src* src, Mid* slot, const Mid* r0, const Mid* r1, Dst* dst, int width, int border,
+using RowColFn = bool (*)(const Src* src, Mid* slot, const Mid* const* window, Dst* dst, int width, int border,
                           Src value, Src* line);
 
 constexpr int kRowColumnCount = 8;
@@ -29,6 +29,8 @@ using GaussStepFn = bool (*)(const Zev32f* src, Zev32f* slot, const Zev32f* cons
 struct KernelSet {
     const RowColFn<Zev8u, Zev16s, Zev16s>* owntabRowColumn_8u16s;
     const RowColFn<Zev32f, Zev32f, Zev32f>* owntabRowColumn_32f;
+    const RowColFn<Zev8u, Zev16s, Zev16s>* owntabRowColumn5x5_8u16s;
+    const RowColFn<Zev32f, Zev32f, Zev32f>* owntabRowColumn5x5_32f;
     GaussStepFn ownGaussRowColumn_32f;
 };
 
