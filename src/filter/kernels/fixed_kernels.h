@@ -157,6 +157,9 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     using VP = typename PolicyOf<Mid>::V;
     const int n = w - K + 1;  // windows inside the row
     if (n < VP::N) return false;
+    // Local copies: the stores below cannot change them, so they stay in registers.
+    const Mid* older[K - 1];
+    for (int k = 0; k + 1 < K; ++k) older[k] = win[k];
     const int r = fillBorder<Src>(src, line, w, K, a, border, &value);
     for (int i = 0; i < a; ++i) rowWindow<RowOp>(line + i, slot + i);
     for (int i = 0; i < K - 1 - a; ++i) rowWindow<RowOp>(line + r + i, slot + a + n + i);
@@ -166,7 +169,7 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
         for (int k = 0; k < K; ++k) t[k] = VP::load(src + i + k);
         RowOp::template f<VP>(t, o);
         VP::store(slot + a + i, o[0]);
-        for (int k = 0; k + 1 < K; ++k) c[k] = VP::load(win[k] + a + i);
+        for (int k = 0; k + 1 < K; ++k) c[k] = VP::load(older[k] + a + i);
         c[K - 1] = o[0];
         Out::template put<VP>(dst + a + i, ColOp::template f<VP>(c));
     }
@@ -174,7 +177,7 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     for (; i < n; ++i) rowWindow<RowOp>(src + i, slot + a + i);
     auto column = [&](int x) {
         typename SP::V c[K];
-        for (int k = 0; k + 1 < K; ++k) c[k] = SP::load(win[k] + x);
+        for (int k = 0; k + 1 < K; ++k) c[k] = SP::load(older[k] + x);
         c[K - 1] = SP::load(slot + x);
         Out::template put<SP>(dst + x, ColOp::template f<SP>(c));
     };
