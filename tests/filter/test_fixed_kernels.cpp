@@ -16,7 +16,7 @@ namespace {
 
 using v8::fixed::KernelSet;
 
-constexpr int kMaxW = 70, kPlane = 72;
+constexpr int kMaxW = 90, kPlane = 96;  // past two 64-byte registers of 16-bit lanes
 
 template <class T>
 std::vector<T> randomRow(zt::Rng& rng, int n) {
@@ -103,6 +103,12 @@ TEST(FixedFused, SameAsRowThenColumnWith32ByteRegisters) {
     compareAllFused(v8::fixed::fixedKernelsAvx2(), rng);
 }
 
+TEST(FixedFused, SameAsRowThenColumnWith64ByteRegisters) {
+    if (!v8::fixed::hasAvx512()) GTEST_SKIP() << "no AVX-512 on this processor";
+    zt::Rng rng(16);
+    compareAllFused(v8::fixed::fixedKernelsAvx512(), rng);
+}
+
 }  // namespace
 
 namespace {
@@ -142,6 +148,7 @@ TEST(FixedGaussStep, SameAsThePipelinesAtEachLevel) {
     zt::Rng rng(15);
     compareGauss(v8::fixed::fixedKernelsSsse3(), rng);
     if (v8::simd::hasAvx2()) compareGauss(v8::fixed::fixedKernelsAvx2(), rng);
+    if (v8::fixed::hasAvx512()) compareGauss(v8::fixed::fixedKernelsAvx512(), rng);
 }
 
 }  // namespace

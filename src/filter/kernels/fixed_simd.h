@@ -53,7 +53,7 @@ struct ScalarF32 {
 // ---------------------------------------------------------------- registers
 // Register wrappers by width: RI are 16-bit integer lanes, RF float lanes.
 
-#define FIXED_INT16_OPS(RI, pre, N_)                                                          \
+#define FIXED_INT16_OPS(RI, pre, N_, LOADU, STOREU)                                           \
     using V = RI;                                                                             \
     static constexpr int N = N_;                                                              \
     static V add(V a, V b) { return pre##_add_epi16(a, b); }                                 \
@@ -67,8 +67,8 @@ struct ScalarF32 {
         else if constexpr (k == 4) return pre##_slli_epi16(a, 2);                            \
         else return pre##_mullo_epi16(a, pre##_set1_epi16(static_cast<short>(k)));           \
     }                                                                                         \
-    static V load(const Zev16s* p) { return simd::load<V>(p); }                               \
-    static void store(Zev16s* p, V v) { simd::store(p, v); }
+    static V load(const Zev16s* p) { return LOADU(reinterpret_cast<const V*>(p)); }           \
+    static void store(Zev16s* p, V v) { STOREU(reinterpret_cast<V*>(p), v); }
 
 #define FIXED_FLOAT_OPS(RF, pre, N_)                                                          \
     using V = RF;                                                                             \
@@ -85,11 +85,11 @@ struct ScalarF32 {
     static V mul(V a, float k) { return pre##_mul_ps(a, pre##_set1_ps(k)); }                 \
     static V mul(V a, V k) { return pre##_mul_ps(a, k); }                                    \
     static V load1(float v) { return pre##_set1_ps(v); }                                      \
-    static V load(const Zev32f* p) { return simd::load<V>(p); }                               \
-    static void store(Zev32f* p, V v) { simd::store(p, v); }
+    static V load(const Zev32f* p) { return pre##_loadu_ps(p); }                              \
+    static void store(Zev32f* p, V v) { pre##_storeu_ps(p, v); }
 
 struct VecI16x8 {
-    FIXED_INT16_OPS(__m128i, _mm, 8)
+    FIXED_INT16_OPS(__m128i, _mm, 8, _mm_loadu_si128, _mm_storeu_si128)
     // Eight bytes widened to eight 16-bit lanes.
     static V load(const Zev8u* p) { return _mm_unpacklo_epi8(simd::load8(p), _mm_setzero_si128()); }
 };
@@ -99,11 +99,21 @@ struct VecF32x4 {
 
 #ifdef __AVX2__
 struct VecI16x16 {
-    FIXED_INT16_OPS(__m256i, _mm256, 16)
+    FIXED_INT16_OPS(__m256i, _mm256, 16, _mm256_loadu_si256, _mm256_storeu_si256)
     static V load(const Zev8u* p) { return _mm256_cvtepu8_epi16(simd::load<__m128i>(p)); }
 };
 struct VecF32x8 {
     FIXED_FLOAT_OPS(__m256, _mm256, 8)
+};
+#endif
+
+#ifdef __AVX512BW__
+struct VecI16x32 {
+    FIXED_INT16_OPS(__m512i, _mm512, 32, _mm512_loadu_si512, _mm512_storeu_si512)
+    static V load(const Zev8u* p) { return _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))); }
+};
+struct VecF32x16 {
+    FIXED_FLOAT_OPS(__m512, _mm512, 16)
 };
 #endif
 

@@ -8,8 +8,15 @@ namespace v8::fixed {
 
 const KernelSet& fixedKernelsSsse3() { return ssse3::kernelSet(); }
 
+bool hasAvx512() {
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+}
+
 const KernelSet& fixedKernels() {
-    static const KernelSet& set = simd::hasAvx2() ? fixedKernelsAvx2() : fixedKernelsSsse3();
+    static const KernelSet& set = hasAvx512()         ? fixedKernelsAvx512()
+                                  : simd::hasAvx2() ? fixedKernelsAvx2()
+                                                    : fixedKernelsSsse3();
     return set;
 }
 

@@ -34,9 +34,11 @@ struct KernelSet {
     GaussStepFn ownGaussRowColumn_32f;
 };
 
-// The tables for this processor: 32-byte registers where the processor has them.
+// The tables for this processor: the widest registers it has.
 const KernelSet& fixedKernels();
 const KernelSet& fixedKernelsSsse3();
 const KernelSet& fixedKernelsAvx2();
+const KernelSet& fixedKernelsAvx512();
+bool hasAvx512();
 
 }  // namespace v8::fixed
