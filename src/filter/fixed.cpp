@@ -333,21 +333,17 @@ ZEV_FIXED_FORMS(Laplacian, Laplacian, ZEV_MASK_PARAM, maskSize, true)
 ZEV_FIXED_FORMS(ScharrHoriz, ScharrHoriz, ZEV_NO_MASK_PARAM, zevMskSize3x3, false)
 ZEV_FIXED_FORMS(ScharrVert, ScharrVert, ZEV_NO_MASK_PARAM, zevMskSize3x3, false)
 
-extern "C" ZevStatus ZEVFN(zeviFilterLowpassBorder_8u_C1R)(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep,
-                                                           ZeviSize roiSize, int maskSize, int borderType,
-                                                           Zev8u borderValue, Zev8u* buffer) {
-    return ownFixedFilter(v8::Lowpass, src, srcStep, dst, dstStep, roiSize, maskSize, true, borderType, borderValue, 1,
-                          buffer);
-}
-extern "C" ZevStatus ZEVFN(zeviFilterLowpassBorder_32f_C1R)(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
-                                                            ZeviSize roiSize, int maskSize, int borderType,
-                                                            Zev32f borderValue, Zev8u* buffer) {
-    return ownFixedFilter(v8::Lowpass, src, srcStep, dst, dstStep, roiSize, maskSize, true, borderType, borderValue, 1,
-                          buffer);
-}
-extern "C" ZevStatus ZEVFN(zeviFilterLowpassGetBufferSize_8u_C1R)(ZeviSize roiSize, int maskSize, int* bufferSize) {
-    return v8::fixedGetBufferSize(v8::Lowpass, v8::Form::k8u, roiSize, maskSize, true, bufferSize);
-}
-extern "C" ZevStatus ZEVFN(zeviFilterLowpassGetBufferSize_32f_C1R)(ZeviSize roiSize, int maskSize, int* bufferSize) {
-    return v8::fixedGetBufferSize(v8::Lowpass, v8::Form::k32f, roiSize, maskSize, true, bufferSize);
-}
+#define ZEV_LOWPASS_FORM(tag, Src, Dst, form)                                                                    \
+    extern "C" ZevStatus ZEVFN(zeviFilterLowpassBorder_##tag##_C1R)(const Src* src, int srcStep, Dst* dst,          \
+                                                                    int dstStep, ZeviSize roiSize, int maskSize,   \
+                                                                    int borderType, Src borderValue,               \
+                                                                    Zev8u* buffer) {                               \
+        return ownFixedFilter(v8::Lowpass, src, srcStep, dst, dstStep, roiSize, maskSize, true, borderType,         \
+                              borderValue, 1, buffer);                                                             \
+    }                                                                                                              \
+    extern "C" ZevStatus ZEVFN(zeviFilterLowpassGetBufferSize_##tag##_C1R)(ZeviSize roiSize, int maskSize,         \
+                                                                           int* bufferSize) {                      \
+        return v8::fixedGetBufferSize(v8::Lowpass, v8::Form::form, roiSize, maskSize, true, bufferSize);            \
+    }
+ZEV_LOWPASS_FORM(8u, Zev8u, Zev8u, k8u)
+ZEV_LOWPASS_FORM(32f, Zev32f, Zev32f, k32f)
