@@ -14,7 +14,9 @@ namespace {
 // Per-thread area S of the integer forms, from the width; part of the interface.
 struct ColumnArea {
     int round, perElem;  // elements rounded up to a multiple of `round`, bytes each
-    int of(int width) const { return ((width + round - 1) & ~(round - 1)) * perElem + 32; }
+    std::int64_t of(int width) const {
+        return ((std::int64_t{width} + round - 1) & ~std::int64_t{round - 1}) * perElem + 32;
+    }
 };
 constexpr ColumnArea kCol16sC1{4, 12}, kCol16sC3{4, 36}, kColLowC1{8, 12}, kColLowC3{8, 36};
 
@@ -26,7 +28,9 @@ ZevStatus columnBufferSize(ZeviSize roi, int K, int* size, const ColumnArea* are
         return zevStsNoError;
     }
     const int T = owncvGetMaxNumThreads();
-    *size = T * 32 + (roi.height + K) * T * 4 + T * area->of(roi.width);
+    // Sizes past 2 GiB wrap as 32-bit arithmetic would, without undefined behaviour.
+    const std::int64_t bytes = std::int64_t{T} * 32 + (std::int64_t{roi.height} + K) * T * 4 + T * area->of(roi.width);
+    *size = static_cast<int>(static_cast<std::uint32_t>(bytes));
     return zevStsNoError;
 }
 

@@ -16,7 +16,7 @@ namespace {
 // Per-thread work area S, in bytes, for kernel size K; part of the interface.
 struct AreaSize {
     int perTap, fixed;
-    int of(int K) const { return perTap * K + fixed; }
+    std::int64_t of(int K) const { return std::int64_t{perTap} * K + fixed; }
 };
 constexpr AreaSize kArea8u16sC1{36, 112}, kArea8u16sC3{60, 112}, kArea16sC1{48, 80}, kArea16sC3{40, 64},
     kAreaLowC1{24, 64}, kAreaLowC3{208, 64}, kArea32fC1{64, 64}, kArea32fC3{192, 32};
@@ -25,7 +25,10 @@ ZevStatus rowBufferSize(ZeviSize roi, int K, int* size, AreaSize area, int extra
     ZevStatus st = Check().ptrs(size).width(roi.width).height(roi.height).that(K >= 1, zevStsBadSize);
     if (st != zevStsNoError) return st;
     const int T = owncvGetMaxNumThreads();
-    *size = T * 32 + (roi.height + K) * T * 4 + T * area.of(K) + T * extraPerThread;
+    // Sizes past 2 GiB wrap as 32-bit arithmetic would, without undefined behaviour.
+    const std::int64_t bytes = std::int64_t{T} * 32 + (std::int64_t{roi.height} + K) * T * 4 + T * area.of(K) +
+                               std::int64_t{T} * extraPerThread;
+    *size = static_cast<int>(static_cast<std::uint32_t>(bytes));
     return zevStsNoError;
 }
 
@@ -33,8 +36,7 @@ ZevStatus rowBufferSize(ZeviSize roi, int K, int* size, AreaSize area, int extra
 // divisor test apply to some forms only.
 template <class Src, int C, class Dst>
 ZevStatus checkRow(const Src* src, int srcStep, Dst* const* dst, ZeviSize roi, const void* kernel, int K, int a,
-                   int border, const Src* value, bool stepMultiple, bool hasDivisor, int divisor,
-                   const Zev8u* buffer) {
+                   int border, const Src* value, bool stepMultiple, bool hasDivisor, int divisor, const Zev8u* buffer) {
     Check c;
     c.ptrs(src, dst, kernel, buffer)
         .height(roi.height)
@@ -82,33 +84,21 @@ ZevStatus runRows(const Src* src, int srcStep, Dst* const* dst, ZeviSize roi, in
     return failed.load() ? zevStsNullPointer : zevStsNoError;
 }
 
-template <int C>
-ZevStatus row8u16s(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roi, const Zev16s* kernel, int K, int a,
-                   int border, const Zev8u* value, int divisor, Zev8u* buffer) {
-    ZevStatus st = checkRow<Zev8u, C>(src, srcStep, dst, roi, kernel, K, a, border, value, false, true, divisor, buffer);
+// The integer forms: a divisor, and a step-multiple test for 16-bit sources.
+// Low's whole-row case (one channel) is settled once the row width is known.
+template <class Rule, int C>
+ZevStatus rowDivided(const typename Rule::Src* src, int srcStep, Zev16s** dst, ZeviSize roi, const Zev16s* kernel,
+                     int K, int a, int border, const typename Rule::Src* value, int divisor, Zev8u* buffer,
+                     AreaSize area) {
+    using Src = typename Rule::Src;
+    ZevStatus st =
+        checkRow<Src, C>(src, srcStep, dst, roi, kernel, K, a, border, value, sizeof(Src) > 1, true, divisor, buffer);
     if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea8u16sC1 : kArea8u16sC3).of(K),
-                      true, [&](void* coef) { return Row8u16s::make(kernel, K, divisor, coef); });
-}
-
-template <int C>
-ZevStatus row16s(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roi, const Zev16s* kernel, int K, int a,
-                 int border, const Zev16s* value, int divisor, Zev8u* buffer) {
-    ZevStatus st = checkRow<Zev16s, C>(src, srcStep, dst, roi, kernel, K, a, border, value, true, true, divisor, buffer);
-    if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea16sC1 : kArea16sC3).of(K),
-                      true, [&](void* coef) { return Row16s::make(kernel, K, divisor, coef); });
-}
-
-template <int C>
-ZevStatus rowLow16s(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roi, const Zev16s* kernel, int K, int a,
-                    int border, const Zev16s* value, int divisor, Zev8u* buffer) {
-    ZevStatus st = checkRow<Zev16s, C>(src, srcStep, dst, roi, kernel, K, a, border, value, true, true, divisor, buffer);
-    if (st != zevStsNoError) return st;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kAreaLowC1 : kAreaLowC3).of(K),
-                      true, [&](void* coef) {
-                          RowLow16s r = RowLow16s::make(kernel, K, divisor, coef);
-                          if (C == 1) r.wholeRowCase(roi.width, a, border, divisor);
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, static_cast<int>(area.of(K)), true,
+                      [&](void* coef) {
+                          Rule r = Rule::make(kernel, K, divisor, coef);
+                          if constexpr (std::is_same_v<Rule, RowLow16s>)
+                              if (C == 1) r.wholeRowCase(roi.width, a, border, divisor);
                           return r;
                       });
 }
@@ -120,8 +110,9 @@ ZevStatus row32f(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roi, con
     if (st != zevStsNoError) return st;
     // The one-channel float form also asks whether separable work may thread.
     const bool mayThread = C == 3 || runsepomp(K) != 0;
-    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer, (C == 1 ? kArea32fC1 : kArea32fC3).of(K),
-                      mayThread, [&](void* coef) { return Row32f::make(kernel, K, coef); });
+    return runRows<C>(src, srcStep, dst, roi, K, a, border, value, buffer,
+                      static_cast<int>((C == 1 ? kArea32fC1 : kArea32fC3).of(K)), mayThread,
+                      [&](void* coef) { return Row32f::make(kernel, K, coef); });
 }
 
 }  // namespace
@@ -133,43 +124,42 @@ extern "C" {
 
 ZevStatus ZEVFN(zeviFilterRowBorderPipeline_8u16s_C1R)(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
                                                        const Zev16s* kernel, int kernelSize, int xAnchor,
-                                                       int borderType, Zev8u borderValue, int divisor,
-                                                       Zev8u* buffer) {
-    return row8u16s<1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue, divisor,
-                       buffer);
+                                                       int borderType, Zev8u borderValue, int divisor, Zev8u* buffer) {
+    return rowDivided<Row8u16s, 1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue,
+                                   divisor, buffer, kArea8u16sC1);
 }
 ZevStatus ZEVFN(zeviFilterRowBorderPipeline_8u16s_C3R)(const Zev8u* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
                                                        const Zev16s* kernel, int kernelSize, int xAnchor,
                                                        int borderType, const Zev8u* borderValue, int divisor,
                                                        Zev8u* buffer) {
-    return row8u16s<3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                       buffer);
+    return rowDivided<Row8u16s, 3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue,
+                                   divisor, buffer, kArea8u16sC3);
 }
 ZevStatus ZEVFN(zeviFilterRowBorderPipeline_16s_C1R)(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
                                                      const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
                                                      Zev16s borderValue, int divisor, Zev8u* buffer) {
-    return row16s<1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue, divisor,
-                     buffer);
+    return rowDivided<Row16s, 1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue,
+                                 divisor, buffer, kArea16sC1);
 }
 ZevStatus ZEVFN(zeviFilterRowBorderPipeline_16s_C3R)(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
                                                      const Zev16s* kernel, int kernelSize, int xAnchor, int borderType,
                                                      const Zev16s* borderValue, int divisor, Zev8u* buffer) {
-    return row16s<3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                     buffer);
+    return rowDivided<Row16s, 3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue,
+                                 divisor, buffer, kArea16sC3);
 }
-ZevStatus ZEVFN(zeviFilterRowBorderPipeline_Low_16s_C1R)(const Zev16s* src, int srcStep, Zev16s** dst,
-                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
-                                                         int xAnchor, int borderType, Zev16s borderValue, int divisor,
+ZevStatus ZEVFN(zeviFilterRowBorderPipeline_Low_16s_C1R)(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                         const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                         int borderType, Zev16s borderValue, int divisor,
                                                          Zev8u* buffer) {
-    return rowLow16s<1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue, divisor,
-                        buffer);
+    return rowDivided<RowLow16s, 1>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, &borderValue,
+                                    divisor, buffer, kAreaLowC1);
 }
-ZevStatus ZEVFN(zeviFilterRowBorderPipeline_Low_16s_C3R)(const Zev16s* src, int srcStep, Zev16s** dst,
-                                                         ZeviSize roiSize, const Zev16s* kernel, int kernelSize,
-                                                         int xAnchor, int borderType, const Zev16s* borderValue,
-                                                         int divisor, Zev8u* buffer) {
-    return rowLow16s<3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                        buffer);
+ZevStatus ZEVFN(zeviFilterRowBorderPipeline_Low_16s_C3R)(const Zev16s* src, int srcStep, Zev16s** dst, ZeviSize roiSize,
+                                                         const Zev16s* kernel, int kernelSize, int xAnchor,
+                                                         int borderType, const Zev16s* borderValue, int divisor,
+                                                         Zev8u* buffer) {
+    return rowDivided<RowLow16s, 3>(src, srcStep, dst, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue,
+                                    divisor, buffer, kAreaLowC3);
 }
 ZevStatus ZEVFN(zeviFilterRowBorderPipeline_32f_C1R)(const Zev32f* src, int srcStep, Zev32f** dst, ZeviSize roiSize,
                                                      const Zev32f* kernel, int kernelSize, int xAnchor, int borderType,

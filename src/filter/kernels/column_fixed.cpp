@@ -58,75 +58,148 @@ struct Formula {
     static constexpr int kPlanes = Planes;
 };
 struct Scharr3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return r[0] * 3 + r[1] * 10 + r[2] * 3; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] * 3 + r[1] * 10 + r[2] * 3;
+    }
 };
 struct Dx3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return r[2] - r[0]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[2] - r[0];
+    }
 };
 struct Sobel3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return r[0] + r[1] * 2 + r[2]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] + r[1] * 2 + r[2];
+    }
 };
 struct Sobel5 : Formula<5> {
-    template <class V> static V f(const V* r, const V*) { return r[0] + r[1] * 4 + r[2] * 6 + r[3] * 4 + r[4]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] + r[1] * 4 + r[2] * 6 + r[3] * 4 + r[4];
+    }
 };
 struct Dx5 : Formula<5> {
-    template <class V> static V f(const V* r, const V*) { return r[4] - r[0] + (r[3] - r[1]) * 2; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[4] - r[0] + (r[3] - r[1]) * 2;
+    }
 };
 struct Dx2_3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return r[0] - r[1] * 2 + r[2]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] - r[1] * 2 + r[2];
+    }
 };
 struct Dx2_5 : Formula<5> {
-    template <class V> static V f(const V* r, const V*) { return r[0] - r[2] * 2 + r[4]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] - r[2] * 2 + r[4];
+    }
 };
 struct Lap3 : Formula<3, false, 2> {
-    template <class V> static V f(const V* a, const V* b) { return (a[0] + a[2]) * 2 - b[1]; }
+    template <class V>
+    static V f(const V* a, const V* b) {
+        return (a[0] + a[2]) * 2 - b[1];
+    }
 };
 struct Lap5 : Formula<5, true> {
-    template <class V> static V f(const V* r, const V* b) { return Sobel5::f(r, b); }
+    template <class V>
+    static V f(const V* r, const V* b) {
+        return Sobel5::f(r, b);
+    }
 };
 struct SobelNeg3 : Formula<3> {
-    template <class V> static V f(const V* r, const V* b) { return -Sobel3::f(r, b); }
+    template <class V>
+    static V f(const V* r, const V* b) {
+        return -Sobel3::f(r, b);
+    }
 };
 struct SobelNeg5 : Formula<5> {
-    template <class V> static V f(const V* r, const V* b) { return -Sobel5::f(r, b); }
+    template <class V>
+    static V f(const V* r, const V* b) {
+        return -Sobel5::f(r, b);
+    }
 };
 struct Avr3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return (r[0] + r[1] + r[2]) * 0.11111111f; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return (r[0] + r[1] + r[2]) * 0.11111111f;
+    }
 };
 struct Avr5 : Formula<5> {
-    template <class V> static V f(const V* r, const V*) { return (r[0] + r[1] + r[2] + r[3] + r[4]) * 0.04f; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return (r[0] + r[1] + r[2] + r[3] + r[4]) * 0.04f;
+    }
 };
 // The 16-bit sums of Lowpass; the scaling is the output's.
 struct Sum3 : Formula<3> {
-    template <class V> static V f(const V* r, const V*) { return r[0] + r[1] + r[2]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] + r[1] + r[2];
+    }
 };
 struct Sum5 : Formula<5> {
-    template <class V> static V f(const V* r, const V*) { return r[0] + r[1] + r[2] + r[3] + r[4]; }
+    template <class V>
+    static V f(const V* r, const V*) {
+        return r[0] + r[1] + r[2] + r[3] + r[4];
+    }
 };
 
 // ---------------------------------------------------------------- outputs
 
-// 16-bit wrapped values stored as they are (or added to what dst holds).
-struct Out16s {
-    using Src = Zev16s;
-    using Dst = Zev16s;
+// Loads and stores of the value types, so that one output serves both.
+inline VI vloadOf(const Zev16s* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+inline VF vloadOf(const Zev32f* p) { return {_mm_loadu_ps(p)}; }
+inline void vstoreOf(Zev16s* d, VI v, bool stream) {
+    if (stream && (reinterpret_cast<std::uintptr_t>(d) & 15) == 0)
+        _mm_stream_si128(reinterpret_cast<__m128i*>(d), v.v);
+    else
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), v.v);
+}
+inline void vstoreOf(Zev32f* d, VF v, bool) { _mm_storeu_ps(d, v.v); }
+template <class T>
+struct ValuesOf;
+template <>
+struct ValuesOf<Zev16s> {
     using V = VI;
     using S = SI;
     static constexpr int L = 8;
-    bool stream;
+};
+template <>
+struct ValuesOf<Zev32f> {
+    using V = VF;
+    using S = SF;
+    static constexpr int L = 4;
+};
+
+// Values stored as they are, or added to what dst holds (16-bit: wrapping).
+template <class T>
+struct OutPlain {
+    using Src = T;
+    using Dst = T;
+    using V = typename ValuesOf<T>::V;
+    using S = typename ValuesOf<T>::S;
+    static constexpr int L = ValuesOf<T>::L;
+    bool stream = false;
     int vectorColumns(int w) const { return w; }
-    static V vload(const Src* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+    static V vload(const Src* p) { return vloadOf(p); }
     static S sload(const Src* p) { return {*p}; }
     template <bool Acc>
     void vstore(Dst* d, V v) const {
-        if (Acc) v.v = _mm_add_epi16(v.v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(d)));
-        if (stream && (reinterpret_cast<std::uintptr_t>(d) & 15) == 0) _mm_stream_si128(reinterpret_cast<__m128i*>(d), v.v);
-        else _mm_storeu_si128(reinterpret_cast<__m128i*>(d), v.v);
+        vstoreOf(d, Acc ? vloadOf(d) + v : v, stream);
     }
     template <bool Acc>
-    void smid(Dst* d, S s) const { *d = Acc ? static_cast<Dst>(*d + s.v) : s.v; }
+    void smid(Dst* d, S s) const {
+        *d = Acc ? (S{*d} + s).v : s.v;
+    }
     template <bool Acc>
-    void stail(Dst* d, S s) const { smid<Acc>(d, s); }
+    void stail(Dst* d, S s) const {
+        smid<Acc>(d, s);
+    }
 };
 
 // The wrapped sum scaled by 1/divisor into 8 signed bits.
@@ -138,7 +211,7 @@ struct Out8s {
     static constexpr int L = 8;
     float inv;
     int vectorColumns(int w) const { return w & ~3; }
-    static V vload(const Src* p) { return Out16s::vload(p); }
+    static V vload(const Src* p) { return vloadOf(p); }
     static S sload(const Src* p) { return {*p}; }
     template <bool>
     void vstore(Dst* d, V v) const {
@@ -170,7 +243,7 @@ struct OutAvr8u {
     using S = SI;
     static constexpr int L = 8;
     int vectorColumns(int w) const { return w; }
-    static V vload(const Src* p) { return Out16s::vload(p); }
+    static V vload(const Src* p) { return vloadOf(p); }
     static S sload(const Src* p) { return {*p}; }
     template <bool>
     void vstore(Dst* d, V v) const {
@@ -183,27 +256,9 @@ struct OutAvr8u {
         *d = static_cast<Dst>(t < 0 ? 0 : (t > 255 ? 255 : t));
     }
     template <bool A>
-    void stail(Dst* d, S s) const { smid<A>(d, s); }
-};
-
-struct Out32f {
-    using Src = Zev32f;
-    using Dst = Zev32f;
-    using V = VF;
-    using S = SF;
-    static constexpr int L = 4;
-    int vectorColumns(int w) const { return w; }
-    static V vload(const Src* p) { return {_mm_loadu_ps(p)}; }
-    static S sload(const Src* p) { return {*p}; }
-    template <bool Acc>
-    void vstore(Dst* d, V v) const {
-        if (Acc) v.v = _mm_add_ps(_mm_loadu_ps(d), v.v);
-        _mm_storeu_ps(d, v.v);
+    void stail(Dst* d, S s) const {
+        smid<A>(d, s);
     }
-    template <bool Acc>
-    void smid(Dst* d, S s) const { *d = Acc ? *d + s.v : s.v; }
-    template <bool Acc>
-    void stail(Dst* d, S s) const { smid<Acc>(d, s); }
 };
 
 // ---------------------------------------------------------------- driver
@@ -233,15 +288,17 @@ void columnRows(const typename Out::Src* const* src, typename Out::Dst* dst, int
                 a[j] = Out::sload(r[j] + e);
                 if (Fm::kPlanes == 2) b[j] = Out::sload(r[j] + plane + e);
             }
-            if (e < nVec) out.template smid<Fm::kAccumulate>(d + e, Fm::f(a, b));
-            else out.template stail<Fm::kAccumulate>(d + e, Fm::f(a, b));
+            if (e < nVec)
+                out.template smid<Fm::kAccumulate>(d + e, Fm::f(a, b));
+            else
+                out.template stail<Fm::kAccumulate>(d + e, Fm::f(a, b));
         }
     }
 }
 
 template <class Fm>
 void col8u16s(const Zev16s* const* src, Zev16s* dst, int dstStep, int width, int rows, int inCache) {
-    columnRows<Fm>(src, dst, dstStep, width, rows, Out16s{inCache == 0});
+    columnRows<Fm>(src, dst, dstStep, width, rows, OutPlain<Zev16s>{inCache == 0});
     if (inCache == 0) _mm_sfence();
 }
 template <class Fm>
@@ -254,7 +311,7 @@ void col8u(const Zev16s* const* src, Zev8u* dst, int dstStep, int width, int row
 }
 template <class Fm>
 void col32f(const Zev32f* const* src, Zev32f* dst, int dstStep, int width, int rows) {
-    columnRows<Fm>(src, dst, dstStep, width, rows, Out32f{});
+    columnRows<Fm>(src, dst, dstStep, width, rows, OutPlain<Zev32f>{});
 }
 
 }  // namespace
@@ -265,16 +322,16 @@ int fixedColumnTaps(int index) {
 }
 
 const ColFixedFn_8u16s owntabColumn_8u16s[kFixedColumnCount] = {
-    col8u16s<Scharr3>, col8u16s<Dx3>,   col8u16s<Sobel3>,    col8u16s<Sobel5>,    col8u16s<Dx5>,
-    col8u16s<Dx2_3>,   col8u16s<Dx2_5>, col8u16s<Lap3>,      col8u16s<Lap5>,      col8u16s<SobelNeg3>,
+    col8u16s<Scharr3>,   col8u16s<Dx3>,       col8u16s<Sobel3>,   col8u16s<Sobel5>, col8u16s<Dx5>,
+    col8u16s<Dx2_3>,     col8u16s<Dx2_5>,     col8u16s<Lap3>,     col8u16s<Lap5>,   col8u16s<SobelNeg3>,
     col8u16s<SobelNeg5>, col8u16s<SobelNeg3>, col8u16s<SobelNeg5>};
 const ColFixedFn_8u8s owntabColumn_8u8s[kFixedColumnCount] = {
-    col8u8s<Scharr3>, col8u8s<Dx3>,   col8u8s<Sobel3>, col8u8s<Sobel5>,    col8u8s<Dx5>,
-    col8u8s<Dx2_3>,   col8u8s<Dx2_5>, col8u8s<Lap3>,   col8u8s<Lap3>,      col8u8s<SobelNeg3>,
+    col8u8s<Scharr3>,   col8u8s<Dx3>,       col8u8s<Sobel3>,   col8u8s<Sobel5>, col8u8s<Dx5>,
+    col8u8s<Dx2_3>,     col8u8s<Dx2_5>,     col8u8s<Lap3>,     col8u8s<Lap3>,   col8u8s<SobelNeg3>,
     col8u8s<SobelNeg5>, col8u8s<SobelNeg3>, col8u8s<SobelNeg5>};
 const ColFixedFn_8u owntabColumn_8u[2] = {col8u<Sum3, 5, 7280>, col8u<Sum5, 0, 2621>};
 const ColFixedFn_32f owntabColumn_32f[kFixedColumnCount] = {
-    col32f<Scharr3>, col32f<Dx3>,   col32f<Sobel3>, col32f<Sobel5>, col32f<Dx5>,       col32f<Dx2_3>,    col32f<Dx2_5>,
-    col32f<Lap3>,    col32f<Lap5>,  col32f<Avr3>,   col32f<Avr5>,   col32f<SobelNeg3>, col32f<SobelNeg5>};
+    col32f<Scharr3>, col32f<Dx3>,  col32f<Sobel3>, col32f<Sobel5>, col32f<Dx5>,       col32f<Dx2_3>,    col32f<Dx2_5>,
+    col32f<Lap3>,    col32f<Lap5>, col32f<Avr3>,   col32f<Avr5>,   col32f<SobelNeg3>, col32f<SobelNeg5>};
 
 }  // namespace v8

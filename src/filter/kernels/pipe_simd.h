@@ -44,6 +44,33 @@ inline std::int32_t wrapMul(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
 }
 
+// ---------------------------------------------------------------- divisors 2^n
+
+// A divisor 2^n (n >= 0) makes 1/divisor exact: where the sums are exact in
+// float too, multiplying by it and rounding is an integer rounding shift. n, or
+// -1 for any other divisor.
+inline int pow2Shift(int divisor) {
+    if (divisor <= 0 || (divisor & (divisor - 1)) != 0) return -1;
+    return __builtin_ctz(static_cast<unsigned>(divisor));
+}
+// s / 2^n rounded to nearest, ties to even.
+inline std::int32_t roundShift(std::int32_t s, int n) {
+    if (n == 0) return s;
+    return (s + (1 << (n - 1)) - 1 + ((s >> n) & 1)) >> n;
+}
+inline __m128i roundShift4(__m128i s, int n) {
+    if (n == 0) return s;
+    const __m128i odd = _mm_and_si128(_mm_srai_epi32(s, n), _mm_set1_epi32(1));
+    return _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(s, _mm_set1_epi32((1 << (n - 1)) - 1)), odd), n);
+}
+// The same on 16-bit lanes, where s + 2^(n-1) stays inside 16 bits.
+inline __m128i roundShift8(__m128i s, int n) {
+    if (n == 0) return s;
+    const __m128i odd = _mm_and_si128(_mm_srai_epi16(s, n), _mm_set1_epi16(1));
+    return _mm_srai_epi16(_mm_add_epi16(_mm_add_epi16(s, _mm_set1_epi16(static_cast<short>((1 << (n - 1)) - 1))), odd),
+                          n);
+}
+
 // Q14 reciprocal of a Low divisor, cut to 16 bits.
 inline std::int16_t lowReciprocal(int divisor) {
     return static_cast<std::int16_t>(static_cast<int>(16384.0f / static_cast<float>(divisor)));

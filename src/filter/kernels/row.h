@@ -47,22 +47,30 @@ struct Row8u16s {
     int K;
     float inv;
     bool intBoth;  // K = 3, divisor 1: 32-bit sum saturated in every column
-    bool intMid;   // divisor 1 and every sum exact in float: the float path is the integer one
-    bool narrow;   // divisor 1 and every partial sum fits 16 bits: 16-bit lanes give the same
+    int shift;     // divisor 2^shift and every sum exact in float: the interior is a rounding shift; else -1
+    bool narrow;   // ... and the sum plus the rounding term fits 16 bits: 16-bit lanes give the same
     const __m128i* pairs;
     bool wide = false;  // narrow, and the processor runs the 32-byte kernel
 
     static Row8u16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
         float sumAbs = 0.0f;
         for (int j = 0; j < K; ++j) sumAbs += std::fabs(static_cast<float>(kernel[j]));
+        int shift = pipe::pow2Shift(divisor);
+        if (!(sumAbs * 255.0f < 16777216.0f)) shift = -1;
+        const bool narrow = shift >= 0 && shift < 15 && sumAbs * 255.0f + static_cast<float>(1 << shift) < 32768.0f;
         auto* pairs = static_cast<__m128i*>(coef);
-        const bool narrow = divisor == 1 && sumAbs * 255.0f < 32768.0f;
         if (narrow)  // one 16-bit weight register per tap
             for (int j = 0; j < K; ++j) pairs[j] = _mm_set1_epi16(kernel[j]);
         else
             pipe::makePairs(kernel, K, pairs);
-        return Row8u16s{kernel, K, 1.0f / static_cast<float>(divisor), K == 3 && divisor == 1,
-                        divisor == 1 && sumAbs * 255.0f < 16777216.0f, narrow, pairs, narrow && simd::hasAvx2()};
+        return Row8u16s{kernel,
+                        K,
+                        1.0f / static_cast<float>(divisor),
+                        K == 3 && divisor == 1,
+                        shift,
+                        narrow,
+                        pairs,
+                        narrow && simd::hasAvx2()};
     }
     std::int32_t sum(const Src* p, int s) const {
         std::int32_t v = 0;
@@ -71,11 +79,12 @@ struct Row8u16s {
     }
     bool vectorMiddle(int) const { return true; }
     int bulk(const Src* src, int C, Dst* dst, int total) const {
-        return wide ? ownRowNarrow8u16s_avx2(src, C, dst, total, k, K) : 0;
+        return wide ? ownRowNarrow8u16s_avx2(src, C, dst, total, k, K, shift) : 0;
     }
     Dst mid(const Src* p, int s) const {
         std::int32_t v = sum(p, s);
-        if (intBoth || intMid) return pipe::sat16(v);
+        if (intBoth) return pipe::sat16(v);
+        if (shift >= 0) return pipe::sat16(pipe::roundShift(v, shift));
         return pipe::roundSat16(static_cast<float>(v) * inv);
     }
     Dst edge(const Src* p, int s) const {
@@ -87,14 +96,17 @@ struct Row8u16s {
     void vec(const Taps& t, int e, Dst* out) const {
         const int n = KT ? KT : K;
         if (narrow) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), pipe::lowTaps8(t, e, n, pairs));
+            __m128i v = pipe::roundShift8(pipe::lowTaps8(t, e, n, pairs), shift);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), v);
             return;
         }
         __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
         pipe::maddTaps(t, e, pairs, 0, n, lo, hi);
         __m128i r;
-        if (intBoth || intMid) {
+        if (intBoth) {
             r = _mm_packs_epi32(lo, hi);
+        } else if (shift >= 0) {
+            r = _mm_packs_epi32(pipe::roundShift4(lo, shift), pipe::roundShift4(hi, shift));
         } else {
             __m128 vi = _mm_set1_ps(inv);
             r = pipe::roundPack(_mm_mul_ps(_mm_cvtepi32_ps(lo), vi), _mm_mul_ps(_mm_cvtepi32_ps(hi), vi));
@@ -120,12 +132,12 @@ struct Row16s {
     int K;
     float inv;
     Mode mode;
-    bool exact;  // divisor 1 and every partial sum exact in float: integers suffice
+    int shift;   // divisor 2^shift and every partial sum exact in float: integers suffice; else -1
     const __m128i* pairs;
     const __m128* cf;
 
     static Row16s make(const Zev16s* kernel, int K, int divisor, void* coef) {
-        Row16s r{kernel, K, 1.0f / static_cast<float>(divisor), IntShort, false, nullptr, nullptr};
+        Row16s r{kernel, K, 1.0f / static_cast<float>(divisor), IntShort, -1, nullptr, nullptr};
         float sumAbs = 0.0f;
         bool minWeight = false;
         for (int j = 0; j < K; ++j) {
@@ -138,7 +150,8 @@ struct Row16s {
         } else {
             r.mode = minWeight ? FltLong : IntLong;
         }
-        r.exact = divisor == 1 && (r.mode == IntShort || r.mode == IntLong) && sumAbs * 32768.0f < 16777216.0f;
+        if ((r.mode == IntShort || r.mode == IntLong) && sumAbs * 32768.0f < 16777216.0f)
+            r.shift = pipe::pow2Shift(divisor);
         if (r.mode == IntShort || r.mode == IntLong) {
             r.pairs = static_cast<__m128i*>(coef);
             pipe::makePairs(kernel, K, static_cast<__m128i*>(coef));
@@ -171,7 +184,7 @@ struct Row16s {
         case IntShort: {
             std::int32_t v = 0;
             for (int j = 0; j < K; ++j) v = pipe::wrapAdd(v, pipe::wrapMul(p[j * s], k[j]));
-            return exact ? pipe::sat16(v) : pipe::roundSat16(static_cast<float>(v) * inv);
+            return shift >= 0 ? pipe::sat16(pipe::roundShift(v, shift)) : pipe::roundSat16(static_cast<float>(v) * inv);
         }
         case IntLong: {
             float f = 0.0f;
@@ -213,11 +226,11 @@ struct Row16s {
     void vec(const Taps& t, int e, Dst* out) const {
         const int K = KT ? KT : this->K;
         __m128i r;
-        if (mode == IntShort || (mode == IntLong && exact)) {
+        if (mode == IntShort || (mode == IntLong && shift >= 0)) {
             __m128i lo = _mm_setzero_si128(), hi = _mm_setzero_si128();
             pipe::maddTaps(t, e, pairs, 0, K, lo, hi);
-            if (exact) {
-                r = _mm_packs_epi32(lo, hi);
+            if (shift >= 0) {
+                r = _mm_packs_epi32(pipe::roundShift4(lo, shift), pipe::roundShift4(hi, shift));
             } else {
                 __m128 vi = _mm_set1_ps(inv);
                 r = pipe::roundPack(_mm_mul_ps(_mm_cvtepi32_ps(lo), vi), _mm_mul_ps(_mm_cvtepi32_ps(hi), vi));
