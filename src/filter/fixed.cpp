@@ -59,21 +59,26 @@ constexpr Form formOf() {
 
 // ---------------------------------------------------------------- buffer sizes
 
-// The row pipeline's report for kernel K (8u16s for 8-bit sources, else 32f);
-// it sees the same thread budget as the caller's query.
-std::int64_t rowPipelineBytes(bool floatRows, int w, int h, int K) {
-    int n = 0;
-    if (floatRows) ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(ZeviSize{w, h}, K, &n);
-    else ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(ZeviSize{w, h}, K, &n);
-    return n;
-}
-// The column pipeline's report (16s-row forms; the float form reports 32).
-std::int64_t columnPipelineBytes(bool floatRows, std::int64_t w, std::int64_t h, std::int64_t K, std::int64_t T) {
-    if (floatRows) return 32;
-    return T * 32 + (h + K) * T * 4 + T * (((w + 3) & ~std::int64_t{3}) * 12 + 32);
+// The pipelines' own reports for kernel K: rows of the 8u16s form for 8-bit
+// sources, else 32f; columns of the form that matches the output (16s, 16s8s,
+// 16s8u or 32f). They see the same thread budget as the caller's query.
+std::int64_t pipelineBytes(Form form, int w, int h, int K) {
+    const ZeviSize roi{w, h};
+    int r = 0, c = 0;
+    if (form == Form::k32f) {
+        ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R)(roi, K, &r);
+        ZEVFN(zeviFilterColumnPipelineGetBufferSize_32f_C1R)(roi, K, &c);
+    } else {
+        ZEVFN(zeviFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(roi, K, &r);
+        if (form == Form::k8u16s) ZEVFN(zeviFilterColumnPipelineGetBufferSize_16s_C1R)(roi, K, &c);
+        else if (form == Form::k8u8s) ZEVFN(zeviFilterColumnPipelineGetBufferSize_16s8s_C1R)(roi, K, &c);
+        else ZEVFN(zeviFilterColumnPipelineGetBufferSize_16s8u_C1R)(roi, K, &c);
+    }
+    return std::int64_t{r} + c;
 }
 
 std::int64_t fixedBufferBytes(FilterId id, Form form, int width, int height, int K, int T) {
+    // Each thread's share: its ring and scratch, and what the pipelines report.
     const std::int64_t W = (width + 15) & ~15;
     const bool isFloat = form == Form::k32f;
     std::int64_t head;  // ring, pointer array and scratch
@@ -93,7 +98,7 @@ std::int64_t fixedBufferBytes(FilterId id, Form form, int width, int height, int
         }
         head = W * E * (2 * K + 15) + D + std::int64_t{K} * F;
     }
-    std::int64_t B = head + rowPipelineBytes(isFloat, width, height, K) + columnPipelineBytes(isFloat, width, height, K, T);
+    std::int64_t B = head + pipelineBytes(form, width, height, K);
     if (id == Laplacian && form == Form::k8u8s && K == 5) B += W * 2 * height + 32;
     const int tail = (id == SobelHoriz && form == Form::k8u16s) ? 64 : 32;
     return T * (B + tail);
