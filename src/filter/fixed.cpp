@@ -209,9 +209,12 @@ struct Job {
             first, src, rows, border, buf, y0,
             [&](const Mid* const* win, int y) { column(win, y, first.col); },
             [&](const Src* row, Mid* slot, void* scratch, const Mid* const* win, int y) {
-                if constexpr (form == Form::k8u16s || form == Form::k32f)
-                    return fused && fused(row, slot, win, rowOf(dst, dstStep, y), w, hborder, value,
-                                          static_cast<Src*>(scratch));
+                if constexpr (form == Form::k8u16s || form == Form::k32f) {
+                    if (!fused) return false;
+                    Src* line = static_cast<Src*>(scratch);
+                    const int r = fillBorder<Src>(row, line, w, K, K / 2, hborder, &value);
+                    return fused(row, slot, win, rowOf(dst, dstStep, y), w, line, r);
+                }
                 return false;
             });
         if (id == Laplacian && K == 5) {

@@ -95,7 +95,8 @@ extern "C" ZevStatus ZEVFN(zeviFilterGaussBorder_32f_C1R)(const Zev32f* src, int
         [&](const Zev32f* row, Zev32f* slot, void*, const Zev32f* const* win, int y) {
             Zev32f* d = reinterpret_cast<Zev32f*>(reinterpret_cast<std::uint8_t*>(dst) +
                                                   static_cast<std::ptrdiff_t>(y) * dstStep);
-            return step(row, slot, win, d, w, K, weights, code, borderValue, line);
+            const int r = fillBorder<Zev32f>(row, line, w, K, a, code, &borderValue);
+            return step(row, slot, win, d, w, K, weights, line, r);
         },
         0);  // the row stages keep their scratch elsewhere
     return zevStsNoError;

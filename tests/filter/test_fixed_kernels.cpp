@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/guarded.h"
+#include "filter/border.h"
 #include "filter/kernels/column_fixed.h"
 #include "filter/kernels/fixed_tables.h"
 #include "filter/kernels/row_fixed.h"
@@ -63,8 +64,9 @@ void compareFused(const KernelSet& ks, int K, zt::Rng& rng) {
                 alignas(16) std::uint8_t scratch[v8::kFixedRowScratchBytes];
                 const Src value = src[1];
                 Mid* const slotOut[1] = {slotB.data()};
-                const bool done = fused(src.data() + 2, slotA.data(), winA.data(), dstA.data(), w, border, value,
-                                        reinterpret_cast<Src*>(scratch));
+                Src line[32];
+                const int r = v8::fillBorder<Src>(src.data() + 2, line, w, K, K / 2, border, &value);
+                const bool done = fused(src.data() + 2, slotA.data(), winA.data(), dstA.data(), w, line, r);
                 if (!done) {
                     // Declined rows stay untouched.
                     ASSERT_EQ(dstA, std::vector<Mid>(w + 1, Mid{})) << "fused " << i << " w=" << w;
@@ -126,8 +128,10 @@ void compareGauss(const KernelSet& ks, zt::Rng& rng) {
                 for (auto& r : rows) winA.push_back(r.data()), winB.push_back(r.data());
                 winA.push_back(slotA.data());
                 winB.push_back(slotB.data());
-                if (!ks.ownGaussRowColumn_32f(src.data(), slotA.data(), winA.data(), dstA.data(), w, K, k.data(), border,
-                                              1.5f, line.data()))
+                const float value = 1.5f;
+                const int r = v8::fillBorder<float>(src.data(), line.data(), w, K, K / 2, border, &value);
+                if (!ks.ownGaussRowColumn_32f(src.data(), slotA.data(), winA.data(), dstA.data(), w, K, k.data(),
+                                              line.data(), r))
                     continue;
                 int n = 0;
                 ASSERT_EQ(zeviFilterRowBorderPipelineGetBufferSize_32f_C1R({w, 1}, K, &n), zevStsNoError);

@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "filter/border.h"
 #include "filter/kernels/fixed_simd.h"
 #include "filter/kernels/fixed_tables.h"
 
@@ -144,13 +143,13 @@ inline void rowWindow(const Src* s, Mid* d) {
 }
 
 // Fused step: the new row (the window's last) through the row kernel into its
-// ring row, and in the same pass the output row from the K-1 older ring rows and
+// ring row (border columns from its scratch line, already filled: line, and r
+// where the right windows start), and in the same pass the output row from the K-1 older ring rows and
 // the new values still in registers. Same numbers as the row routine followed
 // by the column routine. Rows narrower than K plus a register are declined
 // (false, nothing written): the caller then runs the row and column routines.
 template <class RowOp, class ColOp, class Out, class Src, class Mid, class Dst>
-bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* dst, int w, int border, Src value,
-                       Src* line) {
+bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* dst, int w, const Src* line, int r) {
     static_assert(RowOp::K == ColOp::K, "square masks");
     constexpr int K = RowOp::K, a = K / 2;
     using SP = typename PolicyOf<Mid>::S;
@@ -160,7 +159,6 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     // Local copies: the stores below cannot change them, so they stay in registers.
     const Mid* older[K - 1];
     for (int k = 0; k + 1 < K; ++k) older[k] = win[k];
-    const int r = fillBorder<Src>(src, line, w, K, a, border, &value);
     for (int i = 0; i < a; ++i) rowWindow<RowOp>(line + i, slot + i);
     for (int i = 0; i < K - 1 - a; ++i) rowWindow<RowOp>(line + r + i, slot + a + n + i);
     int i = 0;
@@ -186,7 +184,8 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     return true;
 }
 
-// Gaussian step, any odd K: the new row through the weights (left to right from
+// Gaussian step, any odd K (border columns from the filled scratch line, as in
+// the fused step above): the new row through the weights (left to right from
 // k[0] * s[0], as the float row pipeline sums) into slot, and in the same pass
 // the output row from the window's K rows (the last being slot), summed from
 // tap 0 as the float column pipeline does. Declines rows narrower than K plus a
@@ -194,7 +193,7 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
 // registers), 0 for any other K.
 template <int KC>
 bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int Kany,
-                  const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+                  const Zev32f* k, const Zev32f* line, int r) {
     const int K = KC ? KC : Kany;
     const int a = K / 2, n = w - K + 1;
     if (n < VF::N) return false;
@@ -208,7 +207,6 @@ bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev
         for (int t = 1; t < K; ++t) acc = acc + k[t] * win[t][x];
         dst[x] = acc;
     };
-    const int r = fillBorder<Zev32f>(src, line, w, K, a, border, &value);
     for (int i = 0; i < a; ++i) slot[i] = rowScalar(line + i);
     for (int i = 0; i < K - 1 - a; ++i) slot[a + n + i] = rowScalar(line + r + i);
     constexpr int kHeld = KC ? KC : 1;
@@ -244,12 +242,12 @@ bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev
 }
 
 inline bool ownGaussRowColumn(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev32f* dst, int w, int K,
-                              const Zev32f* k, int border, Zev32f value, Zev32f* line) {
+                              const Zev32f* k, const Zev32f* line, int r) {
     switch (K) {
-    case 3: return ownGaussStep<3>(src, slot, win, dst, w, K, k, border, value, line);
-    case 5: return ownGaussStep<5>(src, slot, win, dst, w, K, k, border, value, line);
-    case 7: return ownGaussStep<7>(src, slot, win, dst, w, K, k, border, value, line);
-    default: return ownGaussStep<0>(src, slot, win, dst, w, K, k, border, value, line);
+    case 3: return ownGaussStep<3>(src, slot, win, dst, w, K, k, line, r);
+    case 5: return ownGaussStep<5>(src, slot, win, dst, w, K, k, line, r);
+    case 7: return ownGaussStep<7>(src, slot, win, dst, w, K, k, line, r);
+    default: return ownGaussStep<0>(src, slot, win, dst, w, K, k, line, r);
     }
 }
 

@@ -10,9 +10,11 @@
 #include <cmath>
 #include <cstdint>
 
-#include "frame/kernels/simd.h"
 #include "zevcv.h"
 
+// Everything here lives in the instruction level's own namespace and calls
+// intrinsics only: no inline function is shared with files built for another
+// level, so the linker cannot hand one level's copy to another.
 #ifndef FIXED_ISA
 #error "define FIXED_ISA, the namespace of this instruction level's kernels"
 #endif
@@ -91,7 +93,9 @@ struct ScalarF32 {
 struct VecI16x8 {
     FIXED_INT16_OPS(__m128i, _mm, 8, _mm_loadu_si128, _mm_storeu_si128)
     // Eight bytes widened to eight 16-bit lanes.
-    static V load(const Zev8u* p) { return _mm_unpacklo_epi8(simd::load8(p), _mm_setzero_si128()); }
+    static V load(const Zev8u* p) {
+        return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+    }
 };
 struct VecF32x4 {
     FIXED_FLOAT_OPS(__m128, _mm, 4)
@@ -100,7 +104,7 @@ struct VecF32x4 {
 #ifdef __AVX2__
 struct VecI16x16 {
     FIXED_INT16_OPS(__m256i, _mm256, 16, _mm256_loadu_si256, _mm256_storeu_si256)
-    static V load(const Zev8u* p) { return _mm256_cvtepu8_epi16(simd::load<__m128i>(p)); }
+    static V load(const Zev8u* p) { return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
 };
 struct VecF32x8 {
     FIXED_FLOAT_OPS(__m256, _mm256, 8)

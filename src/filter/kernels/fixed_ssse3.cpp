@@ -3,6 +3,7 @@
 #define FIXED_VI VecI16x8
 #define FIXED_VF VecF32x4
 #include "filter/kernels/fixed_kernels.h"
+#include "frame/kernels/simd.h"
 
 namespace v8::fixed {
 

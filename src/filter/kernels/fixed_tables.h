@@ -11,12 +11,13 @@
 namespace v8::fixed {
 
 // The source row src through the row kernel into slot, and the output row dst
-// from window[0..K-2] (the ring rows above) and slot. border: horizontal meaning
-// only; line: scratch for the border windows. Returns false, having written
-// nothing, for rows too narrow for it.
+// from window[0..K-2] (the ring rows above) and slot. line: the row's scratch
+// line, filled by the caller; r: where its right windows start. Returns false,
+// having written nothing, for rows too narrow for it. (The caller fills the
+// line so that these files, built per instruction level, share no code.)
 template <class Src, class Mid, class Dst>
-using RowColFn = bool (*)(const Src* src, Mid* slot, const Mid* const* window, Dst* dst, int width, int border,
-                          Src value, Src* line);
+using RowColFn = bool (*)(const Src* src, Mid* slot, const Mid* const* window, Dst* dst, int width, const Src* line,
+                          int r);
 
 constexpr int kRowColumnCount = 8;
 
@@ -24,7 +25,7 @@ constexpr int kRowColumnCount = 8;
 // weights into slot (the window's last row) and the output row from the K
 // window rows. Returns false, having written nothing, for narrow rows.
 using GaussStepFn = bool (*)(const Zev32f* src, Zev32f* slot, const Zev32f* const* window, Zev32f* dst, int width,
-                             int K, const Zev32f* k, int border, Zev32f value, Zev32f* line);
+                             int K, const Zev32f* k, const Zev32f* line, int r);
 
 struct KernelSet {
     const RowColFn<Zev8u, Zev16s, Zev16s>* owntabRowColumn_8u16s;
