@@ -142,10 +142,21 @@ inline void rowWindow(const Src* s, Mid* d) {
     SP::store(d, o[0]);
 }
 
+// Elements before p reaches a register boundary, if p is element-aligned and
+// that leaves a register's worth of the n elements; else 0.
+template <class VP, class T>
+inline int leadIn(const T* p, int n) {
+    constexpr std::uintptr_t bytes = VP::N * sizeof(T);
+    const std::uintptr_t addr = reinterpret_cast<std::uintptr_t>(p);
+    if (addr % sizeof(T) != 0) return 0;
+    const int lead = static_cast<int>(((bytes - addr % bytes) % bytes) / sizeof(T));
+    return lead + VP::N <= n ? lead : 0;
+}
+
 // Fused step: the new row (the window's last) through the row kernel into its
 // ring row (border columns from its scratch line, already filled: line, and r
-// where the right windows start), and in the same pass the output row from the K-1 older ring rows and
-// the new values still in registers. Same numbers as the row routine followed
+// where the right windows start), and in the same pass the output row from the
+// K-1 older ring rows and the new values still in registers. Same numbers as the row routine followed
 // by the column routine. Rows narrower than K plus a register are declined
 // (false, nothing written): the caller then runs the row and column routines.
 template <class RowOp, class ColOp, class Out, class Src, class Mid, class Dst>
@@ -161,7 +172,11 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     for (int k = 0; k + 1 < K; ++k) older[k] = win[k];
     for (int i = 0; i < a; ++i) rowWindow<RowOp>(line + i, slot + i);
     for (int i = 0; i < K - 1 - a; ++i) rowWindow<RowOp>(line + r + i, slot + a + n + i);
-    int i = 0;
+    // Scalar lead-in up to an output address on a register boundary: stores that
+    // straddle cache lines cost more than the few scalar windows.
+    const int lead = leadIn<VP>(dst + a, n);
+    for (int i = 0; i < lead; ++i) rowWindow<RowOp>(src + i, slot + a + i);
+    int i = lead;
     for (; i + VP::N <= n; i += VP::N) {
         typename VP::V t[K], o[1], c[K];
         for (int k = 0; k < K; ++k) t[k] = VP::load(src + i + k);
@@ -179,7 +194,7 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
         c[K - 1] = SP::load(slot + x);
         Out::template put<SP>(dst + x, ColOp::template f<SP>(c));
     };
-    for (int x = 0; x < a; ++x) column(x);
+    for (int x = 0; x < a + lead; ++x) column(x);
     for (int x = fusedEnd; x < w; ++x) column(x);
     return true;
 }
