@@ -37,18 +37,20 @@ inline int ownSourceRow(int j, int rows, int border, int y0, int imageHeight) {
 // Elements of one plane of a ring row.
 inline int ownRingPlane(int width) { return (width + 7) & ~7; }
 
+// Ring rows start on 64-byte boundaries, so that the kernels' ring loads and
+// stores can all sit on register boundaries.
 inline std::size_t ownRingSlotBytes(int width, int planes, std::size_t midBytes) {
-    return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 15) & ~std::size_t{15};
+    return (static_cast<std::size_t>(ownRingPlane(width)) * planes * midBytes + 63) & ~std::size_t{63};
 }
 
 // Scratch of the fixed-weight row routines (border line and coefficients).
 constexpr int kEngineScratchBytes = 256;
 
 // Bytes the engine takes from its buffer: alignment, row scratch (a multiple of
-// 16), Kc ring rows, the constant row and the window of Kc row pointers.
+// 64), Kc ring rows, the constant row and the window of Kc row pointers.
 inline std::size_t ownEngineBytes(int width, int Kc, int planes, std::size_t midBytes,
                                   int scratchBytes = kEngineScratchBytes) {
-    return 16 + scratchBytes + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
+    return 64 + scratchBytes + (static_cast<std::size_t>(Kc) + 1) * ownRingSlotBytes(width, planes, midBytes) +
            static_cast<std::size_t>(Kc) * sizeof(void*);
 }
 
@@ -66,7 +68,7 @@ void ownFilterConvolution(const Src* src, int srcStep, int width, int rows, int 
                           Fuse&& fuse, int scratchBytes = kEngineScratchBytes) {
     const int b = Kc / 2, below = Kc - 1 - b;
     const std::size_t slotBytes = ownRingSlotBytes(width, planes, sizeof(Mid));
-    std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 15) & ~std::uintptr_t{15});
+    std::uint8_t* base = reinterpret_cast<std::uint8_t*>((reinterpret_cast<std::uintptr_t>(buffer) + 63) & ~std::uintptr_t{63});
     void* scratch = base;
     std::uint8_t* ring = base + scratchBytes;
     Mid* constRow = reinterpret_cast<Mid*>(ring + Kc * slotBytes);

@@ -172,9 +172,10 @@ bool ownFixedRowColumn(const Src* src, Mid* slot, const Mid* const* win, Dst* ds
     for (int k = 0; k + 1 < K; ++k) older[k] = win[k];
     for (int i = 0; i < a; ++i) rowWindow<RowOp>(line + i, slot + i);
     for (int i = 0; i < K - 1 - a; ++i) rowWindow<RowOp>(line + r + i, slot + a + n + i);
-    // Scalar lead-in up to an output address on a register boundary: stores that
-    // straddle cache lines cost more than the few scalar windows.
-    const int lead = leadIn<VP>(dst + a, n);
+    // Scalar lead-in up to a ring address on a register boundary (ring rows
+    // start on one): loads and stores that straddle cache lines cost more than
+    // the few scalar windows.
+    const int lead = leadIn<VP>(slot + a, n);
     for (int i = 0; i < lead; ++i) rowWindow<RowOp>(src + i, slot + a + i);
     int i = lead;
     for (; i + VP::N <= n; i += VP::N) {
@@ -228,7 +229,9 @@ bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev
     typename VF::V kv[kHeld];
     const Zev32f* rows[kHeld];
     for (int t = 0; t < kHeld; ++t) kv[t] = VF::load1(k[t]), rows[t] = win[t];
-    int i = 0;
+    const int lead = leadIn<VF>(slot + a, n);  // as in the fused step
+    for (int i = 0; i < lead; ++i) slot[a + i] = rowScalar(src + i);
+    int i = lead;
     for (; i + VF::N <= n; i += VF::N) {
         const Zev32f* s = src + i;
         const int x = a + i;
@@ -251,7 +254,7 @@ bool ownGaussStep(const Zev32f* src, Zev32f* slot, const Zev32f* const* win, Zev
     }
     const int fusedEnd = a + i;
     for (; i < n; ++i) slot[a + i] = rowScalar(src + i);
-    for (int x = 0; x < a; ++x) columnScalar(x);
+    for (int x = 0; x < a + lead; ++x) columnScalar(x);
     for (int x = fusedEnd; x < w; ++x) columnScalar(x);
     return true;
 }
