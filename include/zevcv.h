@@ -562,6 +562,100 @@ ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C1R(ZeviSize roiSiz
 ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_16s8s_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
 ZEVAPI ZevStatus zeviFilterColumnPipelineGetBufferSize_32f_C3R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+/* ---- fixed derivative and smoothing filters: Sobel, Scharr, Laplacian, lowpass, Gaussian */
+
+ZEVAPI ZevStatus zeviFilterSobelHorizBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelHorizGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelHorizGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelNegVertBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelNegVertBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelNegVertBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelNegVertGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelNegVertGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelNegVertGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelCrossBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelCrossBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelCrossBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelCrossGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelCrossGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelCrossGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelHorizSecondGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterSobelVertSecondGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrHorizBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrHorizBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrHorizBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrHorizGetBufferSize_8u16s_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrHorizGetBufferSize_8u8s_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrHorizGetBufferSize_32f_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrVertBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrVertBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrVertBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterScharrVertGetBufferSize_8u16s_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrVertGetBufferSize_8u8s_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterScharrVertGetBufferSize_32f_C1R(ZeviSize roiSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterLaplacianBorder_8u16s_C1R(const Zev8u* src, int srcStep, Zev16s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterLaplacianBorder_8u8s_C1R(const Zev8u* src, int srcStep, Zev8s* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, int divisor, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterLaplacianBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterLaplacianGetBufferSize_8u16s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterLaplacianGetBufferSize_8u8s_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterLaplacianGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterLowpassBorder_8u_C1R(const Zev8u* src, int srcStep, Zev8u* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev8u borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterLowpassBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int maskSize, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterLowpassGetBufferSize_8u_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterLowpassGetBufferSize_32f_C1R(ZeviSize roiSize, int maskSize, int* bufferSize);
+ZEVAPI ZevStatus zeviFilterGaussBorder_32f_C1R(const Zev32f* src, int srcStep, Zev32f* dst, int dstStep,
+    ZeviSize roiSize, int kernelSize, Zev32f sigma, int borderType, Zev32f borderValue, Zev8u* buffer);
+ZEVAPI ZevStatus zeviFilterGaussGetBufferSize_32f_C1R(ZeviSize roiSize, int kernelSize, int* bufferSize);
+ZEVAPI ZevStatus zeviGenSobelKernel_16s(Zev16s* kernel, int kernelSize, int order, int sign);
+ZEVAPI ZevStatus zeviGenSobelKernel_32f(Zev32f* kernel, int kernelSize, int order, int sign);
 
 /* @@ FAMILY DECLARATIONS: each family adds its own block above this line. */
 
