@@ -108,8 +108,6 @@ void registerFixed() {
 #endif
 }
 
-// This directory's binary has one main (the pipeline benchmarks'); these
-// register themselves before it runs.
-const bool kRegistered = (registerFixed(), true);
-
 }  // namespace
+
+ZEV_BENCH_MAIN(registerFixed)
