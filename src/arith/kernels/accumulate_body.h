@@ -8,10 +8,6 @@
 #include "arith/kernels/accumulate.h"
 #include "frame/kernels/simd.h"
 
-// A multiply followed by an add must round twice: files built with FMA
-// available must not contract them.
-#pragma GCC optimize("fp-contract=off")
-
 namespace v8::ZEV_ISA {
 namespace {
 

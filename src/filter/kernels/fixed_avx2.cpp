@@ -1,7 +1,5 @@
 // Fixed-filter row and column tables for 32-byte registers, reached only when
 // the processor has AVX2; same arithmetic as the floor, bit for bit.
-// Products and sums round one by one, as on the floor: no fused multiply-add.
-#pragma GCC optimize("fp-contract=off")
 #define FIXED_ISA avx2
 #define FIXED_VI VecI16x16
 #define FIXED_VF VecF32x8

@@ -1,7 +1,5 @@
 // Fixed-filter fused routines for 64-byte registers, reached only when the
 // processor has AVX-512 (BW, DQ); same arithmetic as the floor, bit for bit.
-// Products and sums round one by one, as on the floor: no fused multiply-add.
-#pragma GCC optimize("fp-contract=off")
 #define FIXED_ISA avx512
 #define FIXED_VI VecI16x32
 #define FIXED_VF VecF32x16

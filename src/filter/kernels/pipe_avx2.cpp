@@ -1,10 +1,3 @@
-// This file is built with FMA enabled; a fused multiply-add rounds once where
-// the 16-byte kernels round twice, so contraction must stay off here.
-#ifdef __clang__
-#pragma STDC FP_CONTRACT OFF
-#else
-#pragma GCC optimize("fp-contract=off")
-#endif
 
 #include "filter/kernels/pipe_avx2.h"
 
